@@ -1,0 +1,19 @@
+/**
+ * @file
+ * w64qxcore6: the whole exported interface.
+ *
+ * C11 and C++. Include this header, or the single family that you need from qxcore/.
+ */
+#ifndef QXCORE_H
+#define QXCORE_H
+
+#include <qxcore/atomic.h>
+#include <qxcore/base.h>
+#include <qxcore/bytes.h>
+#include <qxcore/debug.h>
+#include <qxcore/memory.h>
+#include <qxcore/mutex.h>
+#include <qxcore/result.h>
+#include <qxcore/thread.h>
+
+#endif

@@ -1,0 +1,5 @@
+#include "core/client_data.h"
+
+CQXClientData::CQXClientData() = default;
+
+CQXClientData::~CQXClientData() = default;

@@ -1,0 +1,7 @@
+#include <qxcore/debug.h>
+
+#include "platform/threads.h"
+
+void QXDebugBreak() {
+    platform::DebugBreak();
+}

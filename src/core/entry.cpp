@@ -1,0 +1,50 @@
+// The entry function: what happens when the library is loaded and unloaded.
+#include "core/entry.h"
+
+#include <qxcore/module.h>
+
+#include "component/factory_manager.h"
+#include "core/client_data.h"
+#include "core/core_init.h"
+#include "core/global_data.h"
+#include "platform/lifetime.h"
+
+void* const s_moduleToken = reinterpret_cast<void*>(&DllMain);
+
+namespace {
+
+// Kept for debuggers; no code reads it.
+[[maybe_unused]] constinit platform::ModuleHandle s_hInstance = nullptr;
+
+void Attach(platform::ModuleHandle instance) {
+    s_hInstance = instance;
+    QXCoreInit();
+    QXModuleSetInitialized(s_moduleToken, 1);
+}
+
+// The token goes first, so that no component library is unloaded from here on.
+void Detach(const void* reserved) {
+    QXModuleSetInitialized(s_moduleToken, 0);
+    if (platform::OtherThreadsMayRun(reserved)) {
+        // They may hold or wait for anything, so all stays where it is but the factories, which
+        // are told of the end if they can be reached without waiting.
+        if (CQXGlobalData::m_clientData != nullptr) {
+            CQXGlobalData::m_clientData->m_factoryManager.TryFlush();
+        }
+        return;
+    }
+    QXCoreTerm();
+}
+
+}  // namespace
+
+// Reports success also when the initialisation failed.
+int QX_ENTRY_CALL DllMain(platform::ModuleHandle instance, platform::EntryWord reason,
+                          void* reserved) {
+    if (reason == platform::kProcessAttach) {
+        Attach(instance);
+    } else if (reason == platform::kProcessDetach) {
+        Detach(reserved);
+    }
+    return 1;
+}

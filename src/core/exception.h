@@ -1,0 +1,29 @@
+// How a failure travels inside the library.
+#ifndef QX_CORE_EXCEPTION_H
+#define QX_CORE_EXCEPTION_H
+
+#include <qxcore/result.h>
+
+#include "platform/errors.h"
+
+// Thrown by value, caught by reference; deliberately no std::exception.
+class EQXCoreException {
+  public:
+    explicit EQXCoreException(QXResult result) noexcept : m_result(result) {}
+
+    QXResult m_result;
+};
+
+// Throws a negative result on.
+inline void ThrowIfFailed(QXResult result) {
+    if (QX_FAILED(result)) {
+        throw EQXCoreException(result);
+    }
+}
+
+// Throws the calling thread's last error. To be called in the line behind the failing operation.
+[[noreturn]] inline void ThrowLastError() {
+    throw EQXCoreException(QXResultFromNative(platform::GetLastError()));
+}
+
+#endif

@@ -1,0 +1,45 @@
+// The last error of each thread, and the reference platform's error numbers.
+#ifndef QX_PLATFORM_ERRORS_H
+#define QX_PLATFORM_ERRORS_H
+
+#include <last_error_native.h>
+
+#include "platform/types.h"
+
+namespace platform {
+
+enum NativeError : u32 {
+    kErrorSuccess = 0,
+    kErrorInvalidFunction = 1,
+    kErrorFileNotFound = 2,
+    kErrorPathNotFound = 3,
+    kErrorAccessDenied = 5,
+    kErrorInvalidHandle = 6,
+    kErrorNotEnoughMemory = 8,
+    kErrorOutOfMemory = 14,
+    kErrorSharingViolation = 32,
+    kErrorInvalidParameter = 87,
+    kErrorInsufficientBuffer = 122,
+    kErrorInvalidName = 123,
+    kErrorModuleNotFound = 126,
+    kErrorProcedureNotFound = 127,
+    kErrorAlreadyExists = 183,
+    kErrorBadExeFormat = 193,
+    kErrorMoreData = 234,
+    kErrorWaitTimeout = 258,
+    kErrorNoMoreItems = 259,
+    kErrorBadDatabase = 1009,
+    kErrorRegistryIoFailed = 1016,
+    kErrorKeyDeleted = 1018,
+    kErrorDiskFull = 112,
+    kErrorUuidNoAddress = 1739,
+};
+
+// The number of the calling thread's last failing operation. An operation that succeeds leaves
+// it alone unless its contract says otherwise. Neither call blocks.
+u32 GetLastError() noexcept;
+void SetLastError(u32 error) noexcept;
+
+}  // namespace platform
+
+#endif

@@ -1,0 +1,31 @@
+// Loading and unloading of the library itself.
+#ifndef QX_PLATFORM_LIFETIME_H
+#define QX_PLATFORM_LIFETIME_H
+
+#include <lifetime_native.h>
+
+#include "platform/types.h"
+
+namespace platform {
+
+enum EntryReason : u32 {
+    kProcessDetach = 0,
+    kProcessAttach = 1,
+};
+
+// True if threads of the process may still run inside the library while it is being detached, so
+// that nothing they may hold or wait for can be freed. That is so at the end of a process in which
+// other threads are alive, and on back ends whose system does not stop them first.
+// `reserved` is the entry function's last argument: null when the library is unloaded in a process
+// that goes on.
+bool OtherThreadsMayRun(const void* reserved) noexcept;
+
+}  // namespace platform
+
+// The entry function of the library, defined above this layer. The system's loader, or the back
+// end, calls it with the reasons above, each once for a load, from one thread at a time. The result
+// is not 0 on success.
+extern "C" int QX_ENTRY_CALL DllMain(platform::ModuleHandle instance, platform::EntryWord reason,
+                                     void* reserved);
+
+#endif

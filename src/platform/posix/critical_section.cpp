@@ -1,0 +1,46 @@
+#include "futex.h"
+#include "platform/sync.h"
+
+namespace platform {
+
+constinit thread_local char t_threadMark = 0;
+
+namespace {
+
+void PauseProcessor() noexcept {
+#if defined(__x86_64__) || defined(__i386__)
+    __builtin_ia32_pause();
+#elif defined(__aarch64__)
+    asm volatile("yield");
+#endif
+}
+
+bool SpinForLock(CRITICAL_SECTION* section) noexcept {
+    for (u32 turn = 0; turn < section->m_spinCount; ++turn) {
+        if (section->m_state.load(std::memory_order_relaxed) == 0 &&
+            detail::TakeFreeLock(section->m_state)) {
+            return true;
+        }
+        PauseProcessor();
+    }
+    return false;
+}
+
+}  // namespace
+
+[[gnu::cold]] void EnterContendedCriticalSection(CRITICAL_SECTION* section) noexcept {
+    section->m_contentionCount.fetch_add(1, std::memory_order_relaxed);
+    if (!SpinForLock(section)) {
+        // Whoever has slept takes the lock as 2: it cannot know whether it slept alone.
+        while (section->m_state.exchange(2, std::memory_order_acquire) != 0) {
+            FutexWait(&section->m_state, 2);
+        }
+    }
+    section->m_owner.store(&t_threadMark, std::memory_order_relaxed);
+}
+
+[[gnu::cold]] void WakeCriticalSectionWaiter(CRITICAL_SECTION* section) noexcept {
+    FutexWake(&section->m_state, 1);
+}
+
+}  // namespace platform

@@ -1,0 +1,53 @@
+// Calls the library's entry function when the shared object is loaded and unloaded. This pair is the
+// only constructor and the only destructor of the library.
+#include <dirent.h>
+#include <sys/single_threaded.h>
+
+#include <cstdlib>
+
+#include "platform/lifetime.h"
+
+extern "C" [[gnu::visibility("hidden")]] char __dso_handle;
+
+namespace platform {
+namespace {
+
+constinit bool s_processEnds = false;
+
+// The exit handler and the destructor tell the two ends apart. At the end of the process the C
+// library runs the exit handlers before it detaches any shared object; dlclose runs the destructor
+// first and this library's exit handlers behind it.
+void NoteProcessEnd() {
+    s_processEnds = true;
+}
+
+// The tasks of the process, counted up to two.
+bool OneThreadIsLeft() noexcept {
+    DIR* tasks = ::opendir("/proc/self/task");
+    if (tasks == nullptr) {
+        return false;
+    }
+    int threads = 0;
+    while (const dirent* entry = ::readdir(tasks)) {
+        threads += entry->d_name[0] != '.';
+    }
+    ::closedir(tasks);
+    return threads == 1;
+}
+
+[[gnu::constructor]] void OnLoad() {
+    std::atexit(NoteProcessEnd);
+    DllMain(&__dso_handle, kProcessAttach, nullptr);
+}
+
+[[gnu::destructor]] void OnUnload() {
+    DllMain(&__dso_handle, kProcessDetach, s_processEnds ? &__dso_handle : nullptr);
+}
+
+}  // namespace
+
+bool OtherThreadsMayRun(const void* reserved) noexcept {
+    return reserved != nullptr && !__libc_single_threaded && !OneThreadIsLeft();
+}
+
+}  // namespace platform

@@ -1,0 +1,69 @@
+#include "platform/threads.h"
+
+#include <pthread.h>
+#include <sched.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <atomic>
+
+#include "platform/errors.h"
+
+namespace platform {
+
+constinit thread_local std::uint32_t t_threadId = 0;
+
+namespace {
+
+constinit std::atomic<bool> s_forkHandlerInstalled{false};
+
+// The child's only thread has a new number.
+void ForgetThreadIdInChild() {
+    t_threadId = 0;
+}
+
+}  // namespace
+
+[[gnu::cold]] u32 LearnThreadId() noexcept {
+    if (!s_forkHandlerInstalled.exchange(true)) {
+        ::pthread_atfork(nullptr, nullptr, ForgetThreadIdInChild);
+    }
+    t_threadId = static_cast<u32>(::gettid());
+    return t_threadId;
+}
+
+void Sleep(u32 milliseconds) noexcept {
+    ErrnoKeeper keepErrno;
+    if (milliseconds == 0) {
+        ::sched_yield();
+        return;
+    }
+    if (milliseconds == UINT32_MAX) {
+        for (;;) {
+            ::pause();
+        }
+    }
+    timespec deadline;
+    ::clock_gettime(CLOCK_MONOTONIC, &deadline);
+    deadline.tv_sec += milliseconds / 1000;
+    deadline.tv_nsec += static_cast<long>(milliseconds % 1000) * 1'000'000;
+    if (deadline.tv_nsec >= 1'000'000'000) {
+        deadline.tv_sec += 1;
+        deadline.tv_nsec -= 1'000'000'000;
+    }
+    while (::clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &deadline, nullptr) == EINTR) {
+    }
+}
+
+void DebugBreak() noexcept {
+#if defined(__x86_64__) || defined(__i386__)
+    asm volatile("int3");
+#elif defined(__aarch64__)
+    // The debugger steps over this one; a trap instruction that the compiler makes does not return.
+    asm volatile("brk #0xf000");
+#else
+    __builtin_debugtrap();
+#endif
+}
+
+}  // namespace platform

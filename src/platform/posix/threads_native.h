@@ -1,0 +1,28 @@
+// The thread id is asked of the kernel once a thread and kept in the thread's storage.
+#ifndef QX_PLATFORM_POSIX_THREADS_NATIVE_H
+#define QX_PLATFORM_POSIX_THREADS_NATIVE_H
+
+#include <cstdint>
+
+namespace platform {
+
+using HANDLE = void*;
+
+extern constinit thread_local std::uint32_t t_threadId
+    [[gnu::tls_model("initial-exec"), gnu::visibility("hidden")]];
+
+// Asks the kernel and keeps the answer.
+std::uint32_t LearnThreadId() noexcept;
+
+inline std::uint32_t GetCurrentThreadId() noexcept {
+    const std::uint32_t known = t_threadId;
+    return known != 0 ? known : LearnThreadId();
+}
+
+inline HANDLE GetCurrentThread() noexcept {
+    return reinterpret_cast<HANDLE>(static_cast<std::intptr_t>(-2));
+}
+
+}  // namespace platform
+
+#endif

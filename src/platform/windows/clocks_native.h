@@ -1,0 +1,25 @@
+#ifndef QX_PLATFORM_WINDOWS_CLOCKS_NATIVE_H
+#define QX_PLATFORM_WINDOWS_CLOCKS_NATIVE_H
+
+#include "system_headers.h"
+
+namespace platform {
+
+using ::FILETIME;
+
+// The functions live in the system's base library, which stays loaded, so the address outlives the
+// reference taken here.
+inline void (*FindSystemTimeFunction(const char* name) noexcept)(FILETIME*) {
+    const HMODULE base = ::LoadLibraryA("kernel32.dll");
+    if (base == nullptr) {
+        return nullptr;
+    }
+    const auto found = reinterpret_cast<void (*)(FILETIME*)>(
+        reinterpret_cast<void*>(::GetProcAddress(base, name)));
+    ::FreeLibrary(base);
+    return found;
+}
+
+}  // namespace platform
+
+#endif
