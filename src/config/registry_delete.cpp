@@ -14,10 +14,12 @@ constexpr u32 kNameCapacity = 255;
 
 // What fails below the child shows when the child itself is deleted.
 void EmptyChild(platform::HKEY key, const char16_t* name, u32 view) {
-    platform::HKEY child = nullptr;
-    platform::RegOpenKeyExW(key, name, 0, view | platform::kKeyAllAccess, &child);
-    DeleteSubkeys(child, view);
-    platform::RegCloseKey(child);
+    struct Child {
+        ~Child() { platform::RegCloseKey(m_key); }
+        platform::HKEY m_key = nullptr;
+    } child;
+    platform::RegOpenKeyExW(key, name, 0, view | platform::kKeyAllAccess, &child.m_key);
+    DeleteSubkeys(child.m_key, view);
 }
 
 // The children are deleted only behind the walk: until then their indexes hold.

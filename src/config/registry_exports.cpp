@@ -22,7 +22,8 @@ u32 OpenKey(const RegistryRoot& root, const wchar* path, u32 access, platform::H
 // A new key may be used by everybody.
 struct OpenToAll {
     OpenToAll() {
-        platform::InitializeSecurityDescriptor(&m_descriptor, platform::kSecurityDescriptorRevision);
+        platform::InitializeSecurityDescriptor(&m_descriptor,
+                                               platform::kSecurityDescriptorRevision);
         platform::SetSecurityDescriptorDacl(&m_descriptor, false, nullptr, false);
         m_attributes.nLength = sizeof m_attributes;
         m_attributes.lpSecurityDescriptor = &m_descriptor;
@@ -36,10 +37,9 @@ struct OpenToAll {
 u32 CreateKey(const RegistryRoot& root, const wchar* path, platform::HKEY* key) {
     const OpenToAll security;
     u32 disposition = 0;
-    return platform::RegCreateKeyExW(root.m_key, path, 0, nullptr, 0,
-                                     root.m_view | platform::kKeyAllAccess,
-                                     s_isWinNT != 0 ? &security.m_attributes : nullptr, key,
-                                     &disposition);
+    return platform::RegCreateKeyExW(
+        root.m_key, path, 0, nullptr, 0, root.m_view | platform::kKeyAllAccess,
+        s_isWinNT != 0 ? &security.m_attributes : nullptr, key, &disposition);
 }
 
 // The key stays open if there is no memory for the record.
@@ -96,12 +96,14 @@ QXResult QXRegistryDeleteKey(int32_t root, const wchar* path) {
     if (OpenKey(native, path, platform::kKeyAllAccess, &key) != 0) {
         return QX_E_FAIL;
     }
-    QXResult errors = RunGuarded([&] {
-        return static_cast<QXResult>(DeleteSubkeys(key, native.m_view));
-    });
+    const QXResult errors =
+        RunGuarded([&] { return static_cast<QXResult>(DeleteSubkeys(key, native.m_view)); });
     platform::RegCloseKey(key);
-    return errors | static_cast<QXResult>(
-                        platform::RegDeleteKeyExW(native.m_key, path, native.m_view, 0));
+    if (errors == QX_E_OUTOFMEMORY) {
+        return errors;
+    }
+    return errors |
+           static_cast<QXResult>(platform::RegDeleteKeyExW(native.m_key, path, native.m_view, 0));
 }
 
 QXResult QXRegistryDeleteValue(int32_t root, const wchar* path, const wchar* name) {
@@ -135,8 +137,8 @@ QXResult QXRegistryEnumNextKey(QXHandle handle, wchar* name, uint32_t* length) {
                                                       nullptr, nullptr, &written));
 }
 
-QXResult QXRegistryEnumNextValue(QXHandle handle, wchar* name, uint32_t* nameLength,
-                                 uint32_t* type, void* data, uint32_t* length) {
+QXResult QXRegistryEnumNextValue(QXHandle handle, wchar* name, uint32_t* nameLength, uint32_t* type,
+                                 void* data, uint32_t* length) {
     QXRegistryEnum* const record = static_cast<QXRegistryEnum*>(handle);
     const u32 index = record->m_index++;
     u32 native = kNoType;

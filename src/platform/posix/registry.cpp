@@ -368,14 +368,14 @@ u32 RegQueryValueExW(HKEY key, const char16_t* name, u32*, u32* type, void* data
     if (data != nullptr && size == nullptr) {
         return kErrorInvalidParameter;
     }
-    return RunOnValue(key, name, kKeyQueryValue,
-                      [&](RegistryStore& store, i64 id, std::u16string_view,
-                          const std::string& folded) -> u32 {
-                          Query query(store, Statement::kReadValue);
-                          query.Bind(1, id).Bind(2, folded);
-                          return query.Step() ? CopyValue(query, 0, {type, data, size})
-                                              : MissingOrDeleted(store, id, kErrorFileNotFound);
-                      });
+    return RunOnValue(
+        key, name, kKeyQueryValue,
+        [&](RegistryStore& store, i64 id, std::u16string_view, const std::string& folded) -> u32 {
+            Query query(store, Statement::kReadValue);
+            query.Bind(1, id).Bind(2, folded);
+            return query.Step() ? CopyValue(query, 0, {type, data, size})
+                                : MissingOrDeleted(store, id, kErrorFileNotFound);
+        });
 }
 
 u32 RegSetValueExW(HKEY key, const char16_t* name, u32, u32 type, const void* data,
@@ -384,21 +384,21 @@ u32 RegSetValueExW(HKEY key, const char16_t* name, u32, u32 type, const void* da
     if (data == nullptr && size != 0) {
         return kErrorInvalidParameter;
     }
-    return RunOnValue(
-        key, name, kKeySetValue,
-        [&](RegistryStore& store, i64 id, std::u16string_view text,
-            const std::string& folded) -> u32 {
-            store.OpenForWriting();
-            const std::string spelled = StoredName(text);
-            Query(store, Statement::kWriteValue)
-                .Bind(1, id)
-                .Bind(2, folded)
-                .Bind(3, spelled)
-                .Bind(4, i64{type})
-                .Bind(5, bytes)
-                .Step();
-            return ::sqlite3_changes(store.Database()) != 0 ? kErrorSuccess : kErrorKeyDeleted;
-        });
+    return RunOnValue(key, name, kKeySetValue,
+                      [&](RegistryStore& store, i64 id, std::u16string_view text,
+                          const std::string& folded) -> u32 {
+                          store.OpenForWriting();
+                          const std::string spelled = StoredName(text);
+                          Query(store, Statement::kWriteValue)
+                              .Bind(1, id)
+                              .Bind(2, folded)
+                              .Bind(3, spelled)
+                              .Bind(4, i64{type})
+                              .Bind(5, bytes)
+                              .Step();
+                          return ::sqlite3_changes(store.Database()) != 0 ? kErrorSuccess
+                                                                          : kErrorKeyDeleted;
+                      });
 }
 
 u32 RegDeleteKeyExW(HKEY key, const char16_t* path, u32 view, u32) noexcept {
@@ -417,15 +417,15 @@ u32 RegDeleteKeyExW(HKEY key, const char16_t* path, u32 view, u32) noexcept {
 }
 
 u32 RegDeleteValueW(HKEY key, const char16_t* name) noexcept {
-    return RunOnValue(key, name, kKeySetValue,
-                      [&](RegistryStore& store, i64 id, std::u16string_view,
-                          const std::string& folded) -> u32 {
-                          store.OpenForWriting();
-                          Query(store, Statement::kDeleteValue).Bind(1, id).Bind(2, folded).Step();
-                          return ::sqlite3_changes(store.Database()) != 0
-                                     ? kErrorSuccess
-                                     : MissingOrDeleted(store, id, kErrorFileNotFound);
-                      });
+    return RunOnValue(
+        key, name, kKeySetValue,
+        [&](RegistryStore& store, i64 id, std::u16string_view, const std::string& folded) -> u32 {
+            store.OpenForWriting();
+            Query(store, Statement::kDeleteValue).Bind(1, id).Bind(2, folded).Step();
+            return ::sqlite3_changes(store.Database()) != 0
+                       ? kErrorSuccess
+                       : MissingOrDeleted(store, id, kErrorFileNotFound);
+        });
 }
 
 u32 RegEnumKeyExW(HKEY key, u32 index, char16_t* name, u32* length, u32*, char16_t*, u32*,

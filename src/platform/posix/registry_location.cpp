@@ -117,8 +117,8 @@ u32 MakeStoreFile(const StoreLocation& location) noexcept {
             return error;
         }
     }
-    const int file = ::open(location.m_file.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC,
-                            location.m_fileMode);
+    const int file =
+        ::open(location.m_file.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, location.m_fileMode);
     if (file < 0) {
         return errno == EEXIST ? static_cast<u32>(kErrorSuccess) : PathErrorNow();
     }

@@ -10,9 +10,8 @@ Query& Query::Bind(int parameter, i64 number) {
 Query& Query::Bind(int parameter, std::string_view bytes) {
     // A null address would bind NULL and not an empty blob.
     const char* const data = bytes.data() != nullptr ? bytes.data() : "";
-    CheckStatus(
-        ::sqlite3_bind_blob64(m_statement, parameter, data, bytes.size(), SQLITE_STATIC),
-        m_database);
+    CheckStatus(::sqlite3_bind_blob64(m_statement, parameter, data, bytes.size(), SQLITE_STATIC),
+                m_database);
     return *this;
 }
 

@@ -84,8 +84,7 @@ i64 NumberOf(sqlite3* database, const char* text) {
 
 void AddRoot(sqlite3* database, const Tree& tree) {
     const std::string name = StoredName(tree.name);
-    OneTimeQuery query(database,
-                       "INSERT INTO keys(id, folded, name, path) VALUES(?1, ?2, ?2, ?2)");
+    OneTimeQuery query(database, "INSERT INTO keys(id, folded, name, path) VALUES(?1, ?2, ?2, ?2)");
     ::sqlite3_bind_int64(query.Get(), 1, tree.root);
     ::sqlite3_bind_blob64(query.Get(), 2, name.data(), name.size(), SQLITE_STATIC);
     query.Step();

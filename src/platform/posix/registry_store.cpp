@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "registry_schema.h"
+#include "registry_unload.h"
 
 namespace platform {
 namespace {
@@ -96,16 +97,20 @@ void Configure(sqlite3* database, RegistryStore* store) {
     ::sqlite3_busy_handler(database, OnBusy, store);
     ::sqlite3_file_control(database, "main", SQLITE_FCNTL_PERSIST_WAL, &persist);
     ::sqlite3_db_config(database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
-    CheckStatus(::sqlite3_exec(database,
-                               "PRAGMA synchronous=NORMAL; PRAGMA journal_size_limit=4194304",
-                               nullptr, nullptr, nullptr),
-                database);
+    CheckStatus(
+        ::sqlite3_exec(database, "PRAGMA synchronous=NORMAL; PRAGMA journal_size_limit=4194304",
+                       nullptr, nullptr, nullptr),
+        database);
 }
 
-void ThrowIf(u32 error) {
-    if (error != kErrorSuccess) {
+void ThrowIf(bool failed, u32 error) {
+    if (failed) {
         throw StoreFailure{error, false};
     }
+}
+
+void ThrowUnlessSuccess(u32 error) {
+    ThrowIf(error != kErrorSuccess, error);
 }
 
 }  // namespace
@@ -146,7 +151,7 @@ bool RegistryStore::Connect(bool forWriting) {
         FillStore(connection.get(), m_number);
         content = IdentifyStore(connection.get());
     }
-    ThrowIf(content == StoreContent::kRegistry ? 0 : kErrorBadDatabase);
+    ThrowIf(content != StoreContent::kRegistry, kErrorBadDatabase);
     m_database = connection.release();
     return true;
 }
@@ -156,17 +161,17 @@ bool RegistryStore::OpenForReading() {
         return true;
     }
     StoreFile found;
-    ThrowIf(ProbeStoreFile(Location(), &found));
-    ThrowIf(found == StoreFile::kForeign ? kErrorBadDatabase : 0);
+    ThrowUnlessSuccess(ProbeStoreFile(Location(), &found));
+    ThrowIf(found == StoreFile::kForeign, kErrorBadDatabase);
     return found == StoreFile::kPresent && Connect(false);
 }
 
 void RegistryStore::OpenForWriting() {
     if (!OpenForReading()) {
-        ThrowIf(MakeStoreFile(Location()));
+        ThrowUnlessSuccess(MakeStoreFile(Location()));
         Connect(true);
     }
-    ThrowIf(IsReadOnly() ? kErrorAccessDenied : 0);
+    ThrowIf(IsReadOnly(), kErrorAccessDenied);
 }
 
 sqlite3_stmt* RegistryStore::Prepared(Statement which) {

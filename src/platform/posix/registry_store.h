@@ -80,9 +80,6 @@ RegistryStore& StoreOf(StoreNumber number) noexcept;
 // Has every store closed round a fork. False without memory.
 bool RegisterForkHandlers() noexcept;
 
-// Closes the stores and forgets where they are. For the unloading of the library.
-void CloseRegistryStores() noexcept;
-
 // Runs an operation on a store under its lock, again and again while others are in its way, and
 // turns what it throws into its number. The operation is such that it can start over.
 template <typename Operation>

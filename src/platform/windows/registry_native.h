@@ -34,8 +34,8 @@ inline u32 RegQueryValueExW(HKEY key, const char16_t* name, u32* reserved, u32* 
 
 inline u32 RegSetValueExW(HKEY key, const char16_t* name, u32 reserved, u32 type, const void* data,
                           u32 size) noexcept {
-    return static_cast<u32>(::RegSetValueExW(key, Native(name), reserved, type,
-                                             static_cast<const BYTE*>(data), size));
+    return static_cast<u32>(
+        ::RegSetValueExW(key, Native(name), reserved, type, static_cast<const BYTE*>(data), size));
 }
 
 inline u32 RegDeleteKeyExW(HKEY key, const char16_t* path, u32 view, u32 reserved) noexcept {
