@@ -10,10 +10,16 @@
 #include <qxcore/atomic.h>
 #include <qxcore/base.h>
 #include <qxcore/bytes.h>
+#include <qxcore/component.h>
 #include <qxcore/debug.h>
+#include <qxcore/guid.h>
 #include <qxcore/memory.h>
+#include <qxcore/module.h>
 #include <qxcore/mutex.h>
 #include <qxcore/result.h>
+#include <qxcore/string.h>
 #include <qxcore/thread.h>
+#include <qxcore/transform.h>
+#include <qxcore/unknown.h>
 
 #endif

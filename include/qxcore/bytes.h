@@ -27,8 +27,10 @@ QX_API uint64_t QXGetUnalignedInt64(const void* address); /**< @copydoc QXGetUna
  * @return `address`.
  */
 QX_API void* QXPutUnalignedInt16(void* address, uint16_t value);
-QX_API void* QXPutUnalignedInt32(void* address, uint32_t value); /**< @copydoc QXPutUnalignedInt16 */
-QX_API void* QXPutUnalignedInt64(void* address, uint64_t value); /**< @copydoc QXPutUnalignedInt16 */
+QX_API void* QXPutUnalignedInt32(void* address,
+                                 uint32_t value); /**< @copydoc QXPutUnalignedInt16 */
+QX_API void* QXPutUnalignedInt64(void* address,
+                                 uint64_t value); /**< @copydoc QXPutUnalignedInt16 */
 
 /**
  * Reverses the order of the bytes of a value.

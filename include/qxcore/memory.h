@@ -9,7 +9,7 @@
 #ifndef QXCORE_MEMORY_H
 #define QXCORE_MEMORY_H
 
-#include <qxcore/base.h>
+#include <qxcore/result.h>
 
 QX_BEGIN_DECLS
 

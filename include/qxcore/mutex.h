@@ -8,7 +8,7 @@
 #ifndef QXCORE_MUTEX_H
 #define QXCORE_MUTEX_H
 
-#include <qxcore/base.h>
+#include <qxcore/result.h>
 
 /** Flags of QXMutexCreate. Other bits are kept and have no effect. */
 #define QX_MUTEX_NOSTATS 0x00000010u      /**< exempt from statistics: clears QX_MUTEX_STATS */

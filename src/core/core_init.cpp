@@ -1,6 +1,7 @@
 #include "core/core_init.h"
 
 #include <clocale>
+#include <initializer_list>
 #include <new>
 
 #include "core/exception.h"

@@ -27,8 +27,7 @@ void Destroy(Object*& object) {
 
 void ConstructDebugMutex() {
     auto cell = std::make_unique<QXHandle>();
-    ThrowIfFailed(
-        QXMutexCreate("CQXGlobalData::m_debugMutex", QX_MUTEX_NOSTATS, cell.get()));
+    ThrowIfFailed(QXMutexCreate("CQXGlobalData::m_debugMutex", QX_MUTEX_NOSTATS, cell.get()));
     CQXGlobalData::m_debugMutex = cell.release();
 }
 

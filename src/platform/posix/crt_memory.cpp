@@ -1,5 +1,5 @@
-// The C library's heap reports usable sizes, which are larger than what was asked for, so each block
-// carries its exact size in front.
+// The C library's heap reports usable sizes, which are larger than what was asked for, so each
+// block carries its exact size in front.
 #include "platform/crt_memory.h"
 
 #include <cstdint>

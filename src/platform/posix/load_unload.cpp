@@ -1,5 +1,5 @@
-// Calls the library's entry function when the shared object is loaded and unloaded. This pair is the
-// only constructor and the only destructor of the library.
+// Calls the library's entry function when the shared object is loaded and unloaded. This pair is
+// the only constructor and the only destructor of the library.
 #include <dirent.h>
 #include <sys/single_threaded.h>
 

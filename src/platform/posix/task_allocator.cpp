@@ -1,5 +1,5 @@
-// A counted object over the C library's heap. The heap is the process's, so a block may be allocated
-// by one library and freed by another.
+// A counted object over the C library's heap. The heap is the process's, so a block may be
+// allocated by one library and freed by another.
 #include "platform/task_allocator.h"
 
 #include <atomic>
@@ -31,7 +31,9 @@ class HeapAllocator final : public IMalloc {
     void Free(void* block) noexcept override { std::free(block); }
 
   private:
-    std::atomic<u32> m_references{0};
+    // The process holds one, so the count never falls to 0 and the allocator outlives its users:
+    // what is released at the very end may still free its memory.
+    std::atomic<u32> m_references{1};
 };
 
 constinit HeapAllocator s_allocator;

@@ -1,5 +1,5 @@
-// The system's headers, without the parts that this library does not use and without the macros that
-// collide with names of its own.
+// The system's headers, without the parts that this library does not use and without the macros
+// that collide with names of its own.
 #ifndef QX_PLATFORM_WINDOWS_SYSTEM_HEADERS_H
 #define QX_PLATFORM_WINDOWS_SYSTEM_HEADERS_H
 

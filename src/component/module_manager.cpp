@@ -1,0 +1,35 @@
+#include "component/module_manager.h"
+
+#include "sync/mutex_holder.h"
+#include "sync/owned_mutex.h"
+
+namespace {
+
+std::uintptr_t KeyOf(QXModuleToken token) {
+    return reinterpret_cast<std::uintptr_t>(token);
+}
+
+}  // namespace
+
+CQXModuleManager::CQXModuleManager() {
+    QXMutexCreate("CQXModuleManager::m_setLock", 0, &m_setLock);
+}
+
+CQXModuleManager::~CQXModuleManager() {
+    DestroyOwnedMutex(m_setLock);
+}
+
+void CQXModuleManager::Mark(QXModuleToken token) {
+    MutexHolder hold(m_setLock);
+    m_moduleSet.insert(KeyOf(token));
+}
+
+void CQXModuleManager::Unmark(QXModuleToken token) {
+    MutexHolder hold(m_setLock);
+    m_moduleSet.erase(KeyOf(token));
+}
+
+bool CQXModuleManager::IsMarked(QXModuleToken token) {
+    MutexHolder hold(m_setLock);
+    return m_moduleSet.contains(KeyOf(token));
+}

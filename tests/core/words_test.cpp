@@ -1,0 +1,66 @@
+// Atomic words, unaligned access and byte order.
+#include <gtest/gtest.h>
+#include <qxcore/atomic.h>
+#include <qxcore/bytes.h>
+
+#include <thread>
+
+namespace {
+
+TEST(Atomics, AddAndStepGiveTheNewValue) {
+    uint32_t word = 0xFFFFFFFF;
+    EXPECT_EQ(4u, QXAtomicAdd32(&word, 5));
+    EXPECT_EQ(5u, QXAtomicIncrement(&word));
+    EXPECT_EQ(4u, QXAtomicDecrement(&word));
+    size_t size = SIZE_MAX;
+    EXPECT_EQ(1u, QXAtomicAddSZ(&size, 2));
+    EXPECT_EQ(1u, size);
+}
+
+TEST(Atomics, ExchangesGiveTheOldValue) {
+    uint32_t word = 3;
+    EXPECT_EQ(3u, QXAtomicCompareExchange(&word, 5, 3));
+    EXPECT_EQ(5u, word);
+    EXPECT_EQ(5u, QXAtomicCompareExchange(&word, 7, 4));
+    EXPECT_EQ(5u, word);
+    EXPECT_EQ(5u, QXAtomicExchange(&word, 9));
+    EXPECT_EQ(9u, word);
+}
+
+TEST(Atomics, LoseNoUpdateOfTwoThreads) {
+    constexpr int kRounds = 20000;
+    uint32_t word = 0;
+    size_t size = 0;
+    const auto count = [&] {
+        for (int round = 0; round < kRounds; ++round) {
+            QXAtomicIncrement(&word);
+            QXAtomicAddSZ(&size, 2);
+        }
+    };
+    std::thread other(count);
+    count();
+    other.join();
+    EXPECT_EQ(2u * kRounds, word);
+    EXPECT_EQ(4u * kRounds, size);
+}
+
+TEST(UnalignedAccess, WorksAtEveryOffset) {
+    alignas(8) unsigned char bytes[16];
+    for (size_t offset = 0; offset < 8; ++offset) {
+        void* const place = bytes + offset;
+        EXPECT_EQ(place, QXPutUnalignedInt16(place, 0xFFFE));
+        EXPECT_EQ(0xFFFEu, QXGetUnalignedInt16(place));
+        EXPECT_EQ(place, QXPutUnalignedInt32(place, 0x89ABCDEF));
+        EXPECT_EQ(0x89ABCDEFu, QXGetUnalignedInt32(place));
+        EXPECT_EQ(place, QXPutUnalignedInt64(place, 0x8123456789ABCDEF));
+        EXPECT_EQ(0x8123456789ABCDEFu, QXGetUnalignedInt64(place));
+    }
+}
+
+TEST(ByteOrder, IsReversed) {
+    EXPECT_EQ(0x2211, QXSwapInt16(0x1122));
+    EXPECT_EQ(0x44332211u, QXSwapInt32(0x11223344));
+    EXPECT_EQ(0x8877665544332211u, QXSwapInt64(0x1122334455667788));
+}
+
+}  // namespace

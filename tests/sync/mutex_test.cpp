@@ -1,0 +1,127 @@
+#include <gtest/gtest.h>
+#include <qxcore/mutex.h>
+
+#include <atomic>
+#include <thread>
+#include <vector>
+
+namespace {
+
+class Mutex {
+  public:
+    explicit Mutex(uint32_t flags = 0) { EXPECT_EQ(QX_S_OK, QXMutexCreate("test", flags, &m_handle)); }
+    ~Mutex() { EXPECT_EQ(0, QXMutexDestroy(m_handle)); }
+    operator QXHandle() const { return m_handle; }
+
+  private:
+    QXHandle m_handle = nullptr;
+};
+
+QXResult TryInAnotherThread(QXHandle mutex) {
+    QXResult result = QX_E_NOTIMPL;
+    std::thread([&] {
+        result = QXMutexTryAcquire(mutex);
+        if (QX_SUCCEEDED(result)) {
+            QXMutexRelease(mutex);
+        }
+    }).join();
+    return result;
+}
+
+TEST(Mutex, RecursesDeeperThanSixteenBits) {
+    constexpr int kDepth = 70000;
+    const Mutex mutex;
+    for (int depth = 0; depth < kDepth; ++depth) {
+        ASSERT_EQ(QX_S_OK, depth % 2 != 0 ? QXMutexTryAcquire(mutex) : QXMutexAcquire(mutex));
+    }
+    for (int depth = 1; depth < kDepth; ++depth) {
+        ASSERT_EQ(QX_S_OK, QXMutexRelease(mutex));
+    }
+    EXPECT_EQ(QX_E_FAIL, TryInAnotherThread(mutex));
+    EXPECT_EQ(QX_S_OK, QXMutexRelease(mutex));
+    EXPECT_EQ(QX_S_OK, TryInAnotherThread(mutex));
+}
+
+TEST(Mutex, ReleaseByAStrangerIsNeitherRefusedNorReported) {
+    const Mutex mutex;
+    EXPECT_EQ(QX_S_OK, QXMutexRelease(mutex));
+    EXPECT_EQ(QX_S_OK, TryInAnotherThread(mutex));
+    QXMutexAcquire(mutex);
+    std::thread([&] { EXPECT_EQ(QX_S_OK, QXMutexRelease(mutex)); }).join();
+    EXPECT_EQ(QX_S_OK, TryInAnotherThread(mutex));
+}
+
+TEST(Mutex, KeepsThreadsApart) {
+    constexpr int kThreads = 4;
+    constexpr int kRounds = 5000;
+    for (const uint32_t flags : {0u, QX_MUTEX_SPIN}) {
+        const Mutex mutex(flags);
+        long shared = 0;
+        std::vector<std::thread> threads;
+        for (int index = 0; index < kThreads; ++index) {
+            threads.emplace_back([&] {
+                for (int round = 0; round < kRounds; ++round) {
+                    if (round % 3 != 0 || QX_FAILED(QXMutexTryAcquire(mutex))) {
+                        QXMutexAcquire(mutex);
+                    }
+                    ++shared;
+                    QXMutexRelease(mutex);
+                }
+            });
+        }
+        for (std::thread& thread : threads) {
+            thread.join();
+        }
+        EXPECT_EQ(long{kThreads} * kRounds, shared);
+    }
+}
+
+TEST(Mutex, WaiterSleepsUntilTheHolderLeaves) {
+    const Mutex mutex;
+    QXMutexAcquire(mutex);
+    std::atomic<bool> left{false};
+    std::atomic<bool> started{false};
+    bool inOrder = false;
+    std::thread waiter([&] {
+        started = true;
+        QXMutexAcquire(mutex);
+        inOrder = left;
+        QXMutexRelease(mutex);
+    });
+    while (!started) {
+        std::this_thread::yield();
+    }
+    left = true;
+    QXMutexRelease(mutex);
+    waiter.join();
+    EXPECT_TRUE(inOrder);
+}
+
+TEST(Mutex, FlagsDecideTheKind) {
+    struct Row {
+        uint32_t flags;
+        QXResult result;
+    };
+    constexpr Row kRows[] = {
+        {0, QX_S_OK},
+        {QX_MUTEX_SPIN | QX_MUTEX_NONRECURSIVE | 0x01, QX_S_OK},
+        {QX_MUTEX_STATS | QX_MUTEX_NOSTATS, QX_S_OK},
+        {QX_MUTEX_STATS, QX_E_NOTIMPL},
+        {QX_MUTEX_CHECKED | QX_MUTEX_NOSTATS, QX_E_NOTIMPL},
+    };
+    for (const Row& row : kRows) {
+        QXHandle mutex = nullptr;
+        EXPECT_EQ(row.result, QXMutexCreate(nullptr, row.flags, &mutex)) << row.flags;
+        if (QX_FAILED(row.result)) {
+            EXPECT_EQ(QX_INVALID_HANDLE, mutex);
+            continue;
+        }
+        EXPECT_EQ(1, QXMutexAssertOwnership(mutex, 0));
+        EXPECT_EQ(1, QXMutexAssertOwnership(mutex, 1));
+        EXPECT_NE(nullptr, QXMutexGetOSMutex(mutex));
+        EXPECT_NE(mutex, QXMutexGetOSMutex(mutex));
+        EXPECT_EQ(0, QXMutexDestroy(mutex));
+    }
+}
+
+}  // namespace
