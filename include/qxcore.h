@@ -16,6 +16,7 @@
 #include <qxcore/memory.h>
 #include <qxcore/module.h>
 #include <qxcore/mutex.h>
+#include <qxcore/registry.h>
 #include <qxcore/result.h>
 #include <qxcore/string.h>
 #include <qxcore/thread.h>

@@ -23,6 +23,7 @@ enum NativeError : u32 {
     kErrorInvalidName = 123,
     kErrorModuleNotFound = 126,
     kErrorProcedureNotFound = 127,
+    kErrorBusy = 170,
     kErrorAlreadyExists = 183,
     kErrorBadExeFormat = 193,
     kErrorMoreData = 234,
@@ -31,6 +32,8 @@ enum NativeError : u32 {
     kErrorBadDatabase = 1009,
     kErrorRegistryIoFailed = 1016,
     kErrorKeyDeleted = 1018,
+    kErrorUnknownRevision = 1305,
+    kErrorNoSystemResources = 1450,
     kErrorDiskFull = 112,
     kErrorUuidNoAddress = 1739,
 };

@@ -1,5 +1,6 @@
 // Comparison.
 #include <qxcore/string.h>
+#include <unicode/stringoptions.h>
 #include <unicode/ustring.h>
 
 #include <cstring>

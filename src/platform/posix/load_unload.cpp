@@ -6,6 +6,7 @@
 #include <cstdlib>
 
 #include "platform/lifetime.h"
+#include "registry_unload.h"
 
 extern "C" [[gnu::visibility("hidden")]] char __dso_handle;
 
@@ -41,7 +42,11 @@ bool OneThreadIsLeft() noexcept {
 }
 
 [[gnu::destructor]] void OnUnload() {
-    DllMain(&__dso_handle, kProcessDetach, s_processEnds ? &__dso_handle : nullptr);
+    void* const reserved = s_processEnds ? &__dso_handle : nullptr;
+    DllMain(&__dso_handle, kProcessDetach, reserved);
+    if (!OtherThreadsMayRun(reserved)) {
+        CloseRegistryStores();
+    }
 }
 
 }  // namespace

@@ -1,0 +1,130 @@
+#include "registry_location.h"
+
+#include <fcntl.h>
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <vector>
+
+#include "platform/errors.h"
+
+namespace platform {
+namespace {
+
+constexpr char kName[] = "w64qxcore6";
+
+const char* Variable(const char* name) noexcept {
+    const char* const value = ::secure_getenv(name);
+    return value != nullptr && *value != 0 ? value : nullptr;
+}
+
+std::string Beneath(const std::string& directory, const char* name) {
+    return directory.empty() ? directory : directory + "/" + name;
+}
+
+// A directory that is named relative to the current one stays the same when that changes.
+std::string Absolute(const std::string& path) {
+    if (path.front() == '/') {
+        return path;
+    }
+    char* const current = ::getcwd(nullptr, 0);
+    const std::string base = current != nullptr ? current : "";
+    std::free(current);
+    return Beneath(base, path.c_str());
+}
+
+std::string PasswordEntryHome() {
+    std::vector<char> buffer(1024);
+    passwd entry;
+    passwd* found = nullptr;
+    while (::getpwuid_r(::geteuid(), &entry, buffer.data(), buffer.size(), &found) == ERANGE) {
+        buffer.resize(2 * buffer.size());
+    }
+    return found != nullptr && found->pw_dir != nullptr ? found->pw_dir : "";
+}
+
+std::string ConfigurationHome() {
+    const char* const configured = Variable("XDG_CONFIG_HOME");
+    if (configured != nullptr && *configured == '/') {
+        return configured;
+    }
+    const char* const home = Variable("HOME");
+    return Beneath(home != nullptr ? home : PasswordEntryHome(), ".config");
+}
+
+u32 PathErrorNow() noexcept {
+    return errno == ENOENT ? static_cast<u32>(kErrorPathNotFound) : NativeErrorFromErrno(errno);
+}
+
+// Success also if something is there already: what it is shows when the file is made in it.
+bool MakeDirectory(const std::string& path, mode_t mode) noexcept {
+    if (::mkdir(path.c_str(), mode) != 0) {
+        return errno == EEXIST;
+    }
+    return ::chmod(path.c_str(), mode) == 0;
+}
+
+u32 MakeStoreDirectory(const StoreLocation& location) noexcept {
+    if (!location.m_parent.empty() && !MakeDirectory(location.m_parent, location.m_directoryMode)) {
+        return PathErrorNow();
+    }
+    return MakeDirectory(location.m_directory, location.m_directoryMode) ? 0 : PathErrorNow();
+}
+
+}  // namespace
+
+StoreLocation LocateStore(StoreNumber number) {
+    const bool user = number == StoreNumber::kUser;
+    StoreLocation location{.m_parent = {},
+                           .m_directory = {},
+                           .m_file = {},
+                           .m_mayMakeDirectory = false,
+                           .m_directoryMode = user ? 0700u : 0755u,
+                           .m_fileMode = user ? 0600u : 0644u};
+    if (const char* const named = Variable("W64QXCORE6_REGISTRY")) {
+        location.m_directory = Absolute(named);
+    } else {
+        location.m_parent = user ? ConfigurationHome() : "";
+        location.m_directory = Beneath(user ? location.m_parent : "/var/lib", kName);
+        location.m_mayMakeDirectory = true;
+    }
+    location.m_file = Beneath(location.m_directory, user ? "user.db" : "machine.db");
+    return location;
+}
+
+u32 ProbeStoreFile(const StoreLocation& location, StoreFile* found) noexcept {
+    struct stat status;
+    *found = StoreFile::kMissing;
+    if (location.m_file.empty()) {
+        return kErrorSuccess;
+    }
+    if (::stat(location.m_file.c_str(), &status) == 0) {
+        *found = S_ISREG(status.st_mode) ? StoreFile::kPresent : StoreFile::kForeign;
+        return kErrorSuccess;
+    }
+    return errno == ENOENT || errno == ENOTDIR ? static_cast<u32>(kErrorSuccess)
+                                               : NativeErrorFromErrno(errno);
+}
+
+u32 MakeStoreFile(const StoreLocation& location) noexcept {
+    if (location.m_file.empty()) {
+        return kErrorPathNotFound;
+    }
+    if (location.m_mayMakeDirectory) {
+        if (const u32 error = MakeStoreDirectory(location)) {
+            return error;
+        }
+    }
+    const int file =
+        ::open(location.m_file.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, location.m_fileMode);
+    if (file < 0) {
+        return errno == EEXIST ? static_cast<u32>(kErrorSuccess) : PathErrorNow();
+    }
+    const u32 error = ::fchmod(file, location.m_fileMode) == 0 ? 0 : NativeErrorFromErrno(errno);
+    ::close(file);
+    return error;
+}
+
+}  // namespace platform

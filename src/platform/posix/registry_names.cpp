@@ -1,0 +1,93 @@
+#include "registry_names.h"
+
+#include <unicode/uchar.h>
+
+namespace platform {
+namespace {
+
+constexpr char16_t kSeparator = u'\\';
+
+// By the character tables of ICU, without a locale. A fold that leaves the 16 bits is none.
+char16_t FoldUnit(char16_t unit) noexcept {
+    if (unit < 0x80) {
+        return unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - 0x20) : unit;
+    }
+    const UChar32 folded = u_toupper(unit);
+    return folded < 0x10000 ? static_cast<char16_t>(folded) : unit;
+}
+
+void AppendUnit(std::string& stored, char16_t unit) {
+    stored += static_cast<char>(unit >> 8);
+    stored += static_cast<char>(unit & 0xFF);
+}
+
+void AppendFolded(std::string& stored, std::u16string_view name) {
+    for (const char16_t unit : name) {
+        AppendUnit(stored, FoldUnit(unit));
+    }
+}
+
+}  // namespace
+
+std::string StoredName(std::u16string_view name) {
+    std::string stored;
+    stored.reserve(2 * name.size());
+    for (const char16_t unit : name) {
+        AppendUnit(stored, unit);
+    }
+    return stored;
+}
+
+std::string FoldedName(std::u16string_view name) {
+    std::string stored;
+    stored.reserve(2 * name.size());
+    AppendFolded(stored, name);
+    return stored;
+}
+
+bool CopyStoredName(std::string_view stored, char16_t* target, u32 capacity, u32* length) noexcept {
+    const std::size_t units = stored.size() / 2;
+    if (units >= capacity) {
+        return false;
+    }
+    for (std::size_t i = 0; i < units; ++i) {
+        const u32 high = static_cast<u8>(stored[2 * i]);
+        target[i] = static_cast<char16_t>(high << 8 | static_cast<u8>(stored[2 * i + 1]));
+    }
+    target[units] = 0;
+    *length = static_cast<u32>(units);
+    return true;
+}
+
+bool TakeComponent(const char16_t*& path, std::u16string_view& component) noexcept {
+    if (path == nullptr) {
+        return false;
+    }
+    while (*path == kSeparator) {
+        ++path;
+    }
+    const char16_t* const start = path;
+    while (*path != 0 && *path != kSeparator) {
+        ++path;
+    }
+    component = {start, path};
+    return !component.empty();
+}
+
+void AppendFoldedComponent(std::string& path, std::u16string_view component) {
+    AppendUnit(path, kSeparator);
+    AppendFolded(path, component);
+}
+
+bool AppendFoldedPath(std::string& path, const char16_t* more) {
+    std::u16string_view component;
+    while (TakeComponent(more, component)) {
+        if (component.size() > kMaxKeyName) {
+            return false;
+        }
+        AppendFoldedComponent(path, component);
+    }
+    return true;
+}
+
+}  // namespace platform

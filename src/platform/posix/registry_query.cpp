@@ -1,0 +1,45 @@
+#include "registry_query.h"
+
+namespace platform {
+
+Query& Query::Bind(int parameter, i64 number) {
+    CheckStatus(::sqlite3_bind_int64(m_statement, parameter, number), m_database);
+    return *this;
+}
+
+Query& Query::Bind(int parameter, std::string_view bytes) {
+    // A null address would bind NULL and not an empty blob.
+    const char* const data = bytes.data() != nullptr ? bytes.data() : "";
+    CheckStatus(::sqlite3_bind_blob64(m_statement, parameter, data, bytes.size(), SQLITE_STATIC),
+                m_database);
+    return *this;
+}
+
+bool Query::Step() {
+    const int status = ::sqlite3_step(m_statement);
+    CheckStatus(status, m_database);
+    return status == SQLITE_ROW;
+}
+
+std::string_view Query::Blob(int column) noexcept {
+    const void* const data = ::sqlite3_column_blob(m_statement, column);
+    const int size = ::sqlite3_column_bytes(m_statement, column);
+    return {static_cast<const char*>(data), static_cast<std::size_t>(size)};
+}
+
+void Run(RegistryStore& store, Statement which) {
+    Query(store, which).Step();
+}
+
+WriteTransaction::~WriteTransaction() {
+    if (::sqlite3_get_autocommit(m_store.Database()) != 0) {
+        return;
+    }
+    try {
+        Run(m_store, Statement::kRollback);
+    } catch (...) {
+        // The failure that led here is the one to tell, and the next transaction will say more.
+    }
+}
+
+}  // namespace platform

@@ -1,0 +1,128 @@
+// Text in the file is in the order of bytes of the stored names, so that any tool shows a name by
+// CAST(name AS TEXT). Numbers of keys are never given twice: what holds the number of a key that
+// was deleted stays without a key.
+#include "registry_schema.h"
+
+#include <array>
+
+#include "platform/errors.h"
+#include "registry_failure.h"
+#include "registry_names.h"
+
+namespace platform {
+namespace {
+
+constexpr i64 kApplicationId = 0x51585247;
+constexpr i64 kVersion = 1;
+
+constexpr char kTables[] =
+    "CREATE TABLE keys("
+    " id INTEGER PRIMARY KEY AUTOINCREMENT,"
+    " parent INTEGER,"
+    " folded BLOB NOT NULL,"
+    " name BLOB NOT NULL,"
+    " path BLOB NOT NULL UNIQUE);"
+    "CREATE UNIQUE INDEX keys_of_key ON keys(parent, folded);"
+    "CREATE TABLE vals("
+    " id INTEGER PRIMARY KEY,"
+    " key INTEGER NOT NULL,"
+    " folded BLOB NOT NULL,"
+    " name BLOB NOT NULL,"
+    " type INTEGER NOT NULL,"
+    " data BLOB NOT NULL,"
+    " UNIQUE(key, folded));"
+    "CREATE INDEX vals_of_key ON vals(key);"
+    // The numbers up to this one are for the roots.
+    "INSERT INTO sqlite_sequence VALUES('keys', 15);"
+    "CREATE VIEW readable AS"
+    " SELECT CAST(keys.path AS TEXT) AS key, CAST(vals.name AS TEXT) AS value, type, data"
+    " FROM keys JOIN vals ON vals.key = keys.id;"
+    "PRAGMA application_id=1364742727;"
+    "PRAGMA user_version=1;";
+static_assert(kApplicationId == 1364742727 && kVersion == 1);
+
+struct Tree {
+    i64 root;
+    StoreNumber store;
+    std::u16string_view name;
+};
+constexpr std::array<Tree, 5> kTrees{{
+    {kTreeClasses32, StoreNumber::kMachine, u"CLASSES-32"},
+    {kTreeClasses64, StoreNumber::kMachine, u"CLASSES-64"},
+    {kTreeConfig32, StoreNumber::kMachine, u"CONFIG-32"},
+    {kTreeConfig64, StoreNumber::kMachine, u"CONFIG-64"},
+    {kTreeUser, StoreNumber::kUser, u"USER"},
+}};
+
+// A statement that is used once.
+class OneTimeQuery {
+  public:
+    OneTimeQuery(sqlite3* database, const char* text) : m_database(database) {
+        CheckStatus(::sqlite3_prepare_v2(database, text, -1, &m_statement, nullptr), database);
+    }
+    ~OneTimeQuery() { ::sqlite3_finalize(m_statement); }
+    OneTimeQuery(const OneTimeQuery&) = delete;
+    OneTimeQuery& operator=(const OneTimeQuery&) = delete;
+
+    sqlite3_stmt* Get() const noexcept { return m_statement; }
+    void Step() { CheckStatus(::sqlite3_step(m_statement), m_database); }
+
+  private:
+    sqlite3* m_database;
+    sqlite3_stmt* m_statement = nullptr;
+};
+
+void Execute(sqlite3* database, const char* text) {
+    CheckStatus(::sqlite3_exec(database, text, nullptr, nullptr, nullptr), database);
+}
+
+i64 NumberOf(sqlite3* database, const char* text) {
+    OneTimeQuery query(database, text);
+    query.Step();
+    return ::sqlite3_column_int64(query.Get(), 0);
+}
+
+void AddRoot(sqlite3* database, const Tree& tree) {
+    const std::string name = StoredName(tree.name);
+    OneTimeQuery query(database, "INSERT INTO keys(id, folded, name, path) VALUES(?1, ?2, ?2, ?2)");
+    ::sqlite3_bind_int64(query.Get(), 1, tree.root);
+    ::sqlite3_bind_blob64(query.Get(), 2, name.data(), name.size(), SQLITE_STATIC);
+    query.Step();
+}
+
+void FillTables(sqlite3* database, StoreNumber number) {
+    Execute(database, kTables);
+    for (const Tree& tree : kTrees) {
+        if (tree.store == number) {
+            AddRoot(database, tree);
+        }
+    }
+}
+
+}  // namespace
+
+std::u16string_view TreeName(i64 root) noexcept {
+    return kTrees[static_cast<std::size_t>(root - kTreeClasses32)].name;
+}
+
+// In this order: a store that comes to be between the questions is not taken for a foreign one.
+StoreContent IdentifyStore(sqlite3* database) {
+    const i64 objects = NumberOf(database, "SELECT count(*) FROM sqlite_schema");
+    const i64 application = NumberOf(database, "PRAGMA application_id");
+    if (application == kApplicationId) {
+        const bool known = NumberOf(database, "PRAGMA user_version") == kVersion;
+        return known ? StoreContent::kRegistry : StoreContent::kForeign;
+    }
+    return objects == 0 && application == 0 ? StoreContent::kNothing : StoreContent::kForeign;
+}
+
+// Killed at any point this leaves a database that the next process takes for empty.
+void FillStore(sqlite3* database, StoreNumber number) {
+    Execute(database, "PRAGMA encoding='UTF-16be'; PRAGMA journal_mode=WAL; BEGIN IMMEDIATE");
+    if (IdentifyStore(database) == StoreContent::kNothing) {
+        FillTables(database, number);
+    }
+    Execute(database, "COMMIT");
+}
+
+}  // namespace platform

@@ -1,0 +1,228 @@
+#include <gtest/gtest.h>
+#include <qxcore.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cstdlib>
+#include <fstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "support/allocation_fault.h"
+#include "support/registered_classes.h"
+#include "support/witness.h"
+
+namespace {
+
+class Component : public testing::Test {
+  protected:
+    QXResult Lookup(WitnessBehaviour behaviour, void** result,
+                    const GUID& interfaceID = QX_IID_CLASS_FACTORY) {
+        const GUID classID = WitnessClass(behaviour);
+        return QXComGetClassObject(&classID, &interfaceID, result);
+    }
+
+    // Looks a class up and lets the result go.
+    QXResult Touch(WitnessBehaviour behaviour) {
+        void* factory = nullptr;
+        const QXResult result = Lookup(behaviour, &factory);
+        if (factory != nullptr) {
+            IQXUnknown_Release(factory);
+        }
+        return result;
+    }
+
+    RegisteredClasses m_classes;
+};
+
+TEST_F(Component, SecondLookupComesFromTheCacheUntilTheFlush) {
+    m_classes.Register(kPlain, m_classes.WitnessPath());
+    void* first = nullptr;
+    void* second = nullptr;
+    ASSERT_EQ(QX_S_OK, Lookup(kPlain, &first));
+    m_classes.Unregister(kPlain);
+    ASSERT_EQ(QX_S_OK, Lookup(kPlain, &second));
+    EXPECT_EQ(first, second);
+    IQXUnknown_Release(second);
+    EXPECT_EQ(1u, IQXUnknown_Release(first));
+    EXPECT_EQ("loaded asked ", m_classes.TakeLog());
+    EXPECT_EQ(QX_S_OK, QXComFlushFactoryCache());
+    EXPECT_EQ("released unloaded ", m_classes.TakeLog());
+    EXPECT_EQ(QX_E_NOTREGISTERED, Touch(kPlain));
+
+    m_classes.Register(kPlain, m_classes.WitnessPath());
+    EXPECT_EQ(QX_S_OK, Touch(kPlain));
+    EXPECT_EQ("loaded asked ", m_classes.TakeLog());
+}
+
+TEST_F(Component, ObjectsAreMadeByClassIdAndByProgramId) {
+    m_classes.Register(kPlain, m_classes.WitnessPath());
+    m_classes.RegisterProgram(u"Witness.Plain", m_classes.ClassText(kPlain));
+    const GUID classID = WitnessClass(kPlain);
+    void* objects[2] = {};
+    EXPECT_EQ(QX_S_OK, QXComCreateObject(&classID, nullptr, &QX_IID_UNKNOWN, &objects[0]));
+    EXPECT_EQ(QX_S_OK,
+              QXComCreateObjectByProgID(u"Witness.Plain", nullptr, &QX_IID_UNKNOWN, &objects[1]));
+    EXPECT_EQ("loaded asked made made ", m_classes.TakeLog());
+    for (void* object : objects) {
+        void* found = &found;
+        EXPECT_EQ(kNoInterface, IQXUnknown_QueryInterface(object, &classID, &found));
+        EXPECT_EQ(nullptr, found);
+        EXPECT_EQ(2u, IQXUnknown_AddRef(object));
+        EXPECT_EQ(1u, IQXUnknown_Release(object));
+        EXPECT_EQ(0u, IQXUnknown_Release(object));
+    }
+}
+
+TEST_F(Component, FailedLookupsLeaveNullAndAnUntouchedObjectPointer) {
+    const std::u16string folder = m_classes.Folder();
+    struct Row {
+        const char* what;
+        std::u16string library;
+        QXResult result;
+    };
+    const Row rows[] = {
+        {"no library of that name", folder + u"/nothing.so", QX_E_FAIL},
+        {"a bare name that the search does not find", u"qxcore-nothing.so", QX_E_FAIL},
+        {"not a library", folder + u"/text.so", QX_E_FAIL},
+        {"the export is another library's", m_classes.HollowPath(), QX_E_FAIL},
+        {"an empty path", u"", QX_E_FAIL},
+        {"a reference that does not fit", u"%QXCORE_LONG_VALUE%", QX_E_NOTREGISTERED},
+        {"a path that does not fit", std::u16string(261, u'x'), QX_E_NOTREGISTERED},
+    };
+    std::ofstream(std::filesystem::path(folder) / "text.so") << "this is not a library";
+    setenv("QXCORE_LONG_VALUE", std::string(300, 'x').c_str(), 1);
+    for (const Row& row : rows) {
+        m_classes.Register(kPlain, row.library, QX_REG_EXPAND_STRING);
+        void* factory = &factory;
+        EXPECT_EQ(row.result, Lookup(kPlain, &factory)) << row.what;
+        EXPECT_EQ(nullptr, factory) << row.what;
+        const GUID classID = WitnessClass(kPlain);
+        void* object = &object;
+        EXPECT_EQ(row.result, QXComCreateObject(&classID, nullptr, &QX_IID_UNKNOWN, &object));
+        EXPECT_EQ(&object, object) << row.what;
+    }
+    m_classes.Unregister(kPlain);
+    m_classes.RegisterWithoutPath(kPlain);
+    EXPECT_EQ(QX_E_NOTREGISTERED, Touch(kPlain));
+    m_classes.Register(kRefuses, m_classes.WitnessPath());
+    void* factory = &factory;
+    EXPECT_EQ(kWitnessRefusal, Lookup(kRefuses, &factory));
+    EXPECT_EQ(nullptr, factory);
+}
+
+TEST_F(Component, PathMayLackItsTerminatorAndReferToTheEnvironment) {
+    setenv("QXCORE_WITNESS_PATH", std::filesystem::path(m_classes.WitnessPath()).c_str(), 1);
+    m_classes.Register(kPlain, u"%QXCORE_WITNESS_PATH%", QX_REG_EXPAND_STRING);
+    EXPECT_EQ(QX_S_OK, Touch(kPlain));
+    m_classes.Register(kPositiveResult, m_classes.WitnessPath(), QX_REG_STRING, false);
+    EXPECT_EQ(QX_S_OK, Touch(kPositiveResult));
+    std::u16string backslashes = m_classes.WitnessPath();
+    std::replace(backslashes.begin(), backslashes.end(), u'/', u'\\');
+    m_classes.Register(kSlow, backslashes);
+    EXPECT_EQ(QX_S_OK, Touch(kSlow));
+}
+
+TEST_F(Component, ProgramIdsFailAsTheirKindOfFault) {
+    struct Row {
+        const char16_t* text;
+        QXResult result;
+    };
+    const Row rows[] = {
+        {u"{57495453-0001-4E45-8001-020304050607", QX_E_INVALIDARG},
+        {u"", QX_E_INVALIDARG},
+        {u"{57495453-0001-4E45-8001-020304050607}", QX_S_OK},
+        {u"{57495453-0001-4E45-8001-020304050607} and more", QX_E_FAIL},  // does not fit
+    };
+    GUID classID;
+    EXPECT_EQ(QX_E_NOTREGISTERED, QXComClassIDFromProgID(u"Witness.Unknown", &classID));
+    for (const Row& row : rows) {
+        m_classes.RegisterProgram(u"Witness.Odd", row.text);
+        EXPECT_EQ(row.result, QXComClassIDFromProgID(u"Witness.Odd", &classID));
+    }
+    const GUID plain = WitnessClass(kPlain);
+    EXPECT_TRUE(QXComIsEqualGUID(&plain, &classID));
+    m_classes.RegisterProgram(u"Witness.Unended", m_classes.ClassText(kSlow), false);
+    EXPECT_EQ(QX_S_OK, QXComClassIDFromProgID(u"Witness.Unended", &classID));
+}
+
+TEST_F(Component, RefusedInterfaceLeavesTheClassCached) {
+    m_classes.Register(kPlain, m_classes.WitnessPath());
+    ASSERT_EQ(QX_S_OK, Touch(kPlain));
+    void* result = &result;
+    EXPECT_EQ(kNoInterface, Lookup(kPlain, &result, WitnessClass(kPlain)));
+    EXPECT_EQ(nullptr, result);
+    EXPECT_EQ(QX_S_OK, Touch(kPlain));
+    EXPECT_EQ("loaded asked ", m_classes.TakeLog());
+}
+
+TEST_F(Component, LibraryMayComeBackWhileItIsAsked) {
+    m_classes.Register(kPlain, m_classes.WitnessPath());
+    m_classes.Register(kComesBack, m_classes.WitnessPath());
+    EXPECT_EQ(QX_S_OK, Touch(kComesBack));
+    EXPECT_EQ("loaded asked asked ", m_classes.TakeLog());
+    EXPECT_EQ(QX_S_OK, Touch(kPlain));
+    EXPECT_EQ("", m_classes.TakeLog());
+}
+
+TEST_F(Component, NullFactoryIsCachedAndLetGo) {
+    m_classes.Register(kNullFactory, m_classes.WitnessPath());
+    void* factory = &factory;
+    EXPECT_EQ(QX_S_OK, Lookup(kNullFactory, &factory));
+    EXPECT_EQ(nullptr, factory);
+    EXPECT_EQ(QX_S_OK, QXComFlushFactoryCache());
+    EXPECT_EQ("loaded asked unloaded ", m_classes.TakeLog());
+}
+
+TEST_F(Component, ThreadsThatAskAtOnceLoadTheLibraryOnce) {
+    m_classes.Register(kSlow, m_classes.WitnessPath());
+    constexpr int kThreads = 4;
+    std::atomic<int> ready{0};
+    std::vector<std::thread> threads;
+    for (int index = 0; index < kThreads; ++index) {
+        threads.emplace_back([&] {
+            for (++ready; ready != kThreads;) {
+            }
+            EXPECT_EQ(QX_S_OK, Touch(kSlow));
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ("loaded asked ", m_classes.TakeLog());
+}
+
+TEST_F(Component, AllocationFailureIsAResultAndLeavesNull) {
+    m_classes.Register(kPlain, m_classes.WitnessPath());
+    void* library = nullptr;  // keeps the witness loaded: its own loading is not what fails here
+    ASSERT_EQ(QX_S_OK, QXLibOpen(m_classes.WitnessPath().c_str(), &library));
+    const int failures = ForEachFailingAllocation([&] {
+        void* factory = &factory;
+        const QXResult result = Lookup(kPlain, &factory);
+        if (QX_FAILED(result)) {
+            EXPECT_TRUE(result == QX_E_OUTOFMEMORY || result == QX_E_NOTREGISTERED) << result;
+            EXPECT_EQ(nullptr, factory);
+        } else {
+            IQXUnknown_Release(factory);
+            QXComFlushFactoryCache();
+        }
+        return QX_SUCCEEDED(result);
+    });
+    EXPECT_GE(failures, 2);
+    QXLibClose(library);
+}
+
+TEST_F(Component, MemoryIsSharedAndMaybeEmpty) {
+    void* block = nullptr;
+    ASSERT_EQ(QX_S_OK, QXComMalloc(0, &block));
+    EXPECT_NE(nullptr, block);
+    ASSERT_EQ(QX_S_OK, QXComRealloc(&block, 100));
+    EXPECT_EQ(QX_S_OK, QXComRealloc(&block, 0));
+    EXPECT_EQ(nullptr, block);
+    EXPECT_EQ(QX_S_OK, QXComRealloc(&block, 8));
+    EXPECT_EQ(QX_S_OK, QXComFree(block));
+    EXPECT_EQ(QX_S_OK, QXComFree(nullptr));
+}
+
+}  // namespace

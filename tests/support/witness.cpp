@@ -1,0 +1,100 @@
+#include "support/witness.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <string>
+#include <thread>
+
+namespace {
+
+void Write(const char* word) {
+    const char* const path = std::getenv(kWitnessLog);
+    const int file = path != nullptr ? open(path, O_WRONLY | O_CREAT | O_APPEND, 0600) : -1;
+    if (file >= 0) {
+        const std::string line = std::string(word) + "\n";
+        if (write(file, line.data(), line.size()) < 0) {
+            std::abort();
+        }
+        close(file);
+    }
+}
+
+[[gnu::constructor]] void OnLoad() {
+    Write("loaded");
+}
+
+[[gnu::destructor]] void OnUnload() {
+    Write("unloaded");
+}
+
+class Witness final : public IQXClassFactory {
+  public:
+    virtual ~Witness() = default;
+
+    QXResult QueryInterface(const GUID* wanted, void** result) override {
+        if (!QXComIsEqualGUID(wanted, &QX_IID_UNKNOWN) &&
+            !QXComIsEqualGUID(wanted, &QX_IID_CLASS_FACTORY)) {
+            *result = nullptr;
+            return kNoInterface;
+        }
+        AddRef();
+        *result = this;
+        return QX_S_OK;
+    }
+
+    uint32_t AddRef() override { return QXAtomicIncrement(&m_references); }
+
+    uint32_t Release() override {
+        const uint32_t left = QXAtomicDecrement(&m_references);
+        if (left == 0) {
+            Write("released");
+            delete this;
+        }
+        return left;
+    }
+
+    QXResult CreateInstance(void*, const GUID*, void** result) override {
+        Write("made");
+        *result = new Witness;
+        return QX_S_OK;
+    }
+
+  private:
+    uint32_t m_references = 1;
+};
+
+void LookUpPlainClass() {
+    const GUID plain = WitnessClass(kPlain);
+    void* factory = nullptr;
+    if (QX_SUCCEEDED(QXComGetClassObject(&plain, &QX_IID_CLASS_FACTORY, &factory))) {
+        IQXUnknown_Release(factory);
+    }
+}
+
+}  // namespace
+
+extern "C" __attribute__((visibility("default"))) QXResult DllGetClassObject(const GUID* classID,
+                                                                              const GUID*,
+                                                                              void** result) {
+    Write("asked");
+    switch (classID->Data2) {
+        case kRefuses:
+            *result = result;
+            return kWitnessRefusal;
+        case kNullFactory:
+            *result = nullptr;
+            return QX_S_OK;
+        case kComesBack:
+            LookUpPlainClass();
+            break;
+        case kSlow:
+            for (int turn = 0; turn < 2000; ++turn) {
+                std::this_thread::yield();
+            }
+            break;
+    }
+    *result = new Witness;
+    return classID->Data2 == kPositiveResult ? 7 : 0;
+}
