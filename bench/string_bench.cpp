@@ -6,6 +6,7 @@
 #include <unicode/stringoptions.h>
 #include <unicode/ustring.h>
 #include <wchar.h>
+#include <wctype.h>
 
 #include <algorithm>
 #include <cctype>
