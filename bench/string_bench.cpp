@@ -104,7 +104,8 @@ void MeasureLengthAndCopy() {
             [] { return strcpy(s_bytes.m_target, s_bytes.m_second); });
     Measure("QXStrCpyA", "QX", [] { return QXStrCpyA(s_narrow.m_target, s_narrow.m_second); });
     Measure("QXStrCpyA", "strcpy", [] { return strcpy(s_narrow.m_target, s_narrow.m_second); });
-    Measure("QXStrNCpyA", "QX", [] { return QXStrNCpyA(s_narrow.m_target, s_narrow.m_second, 96); });
+    Measure("QXStrNCpyA", "QX",
+            [] { return QXStrNCpyA(s_narrow.m_target, s_narrow.m_second, 96); });
     Measure("QXStrNCpyA", "strncpy",
             [] { return strncpy(s_narrow.m_target, s_narrow.m_second, 96); });
     Measure("QXStrNZCpyW", "QX",
@@ -134,8 +135,7 @@ void MeasureCompare() {
     Measure("QXStrICmpW", "QX", [] { return QXStrICmpW(s_wide.m_first, s_wide.m_second); });
     Measure("QXStrICmpW", "u_strcasecmp",
             [] { return u_strcasecmp(s_wide.m_first, s_wide.m_second, 0); });
-    Measure("QXStrICmpUTF16", "QX",
-            [] { return QXStrICmpUTF16(s_wide.m_first, s_wide.m_second); });
+    Measure("QXStrICmpUTF16", "QX", [] { return QXStrICmpUTF16(s_wide.m_first, s_wide.m_second); });
     Measure("QXStrICmpUTF16", "u_strcasecmp", [] {
         return u_strcasecmp(s_wide.m_first, s_wide.m_second, U_COMPARE_CODE_POINT_ORDER);
     });

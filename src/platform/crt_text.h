@@ -1,5 +1,5 @@
-// The functions of the C runtime over text that exist on one platform only, or whose wide unit, whose
-// `long` or whose treatment of narrow units from 0x80 up is not the same everywhere.
+// The functions of the C runtime over text that exist on one platform only, or whose wide unit,
+// whose `long` or whose treatment of narrow units from 0x80 up is not the same everywhere.
 #ifndef QX_PLATFORM_CRT_TEXT_H
 #define QX_PLATFORM_CRT_TEXT_H
 
@@ -39,10 +39,10 @@ int iswalpha(char16_t unit) noexcept;
 int iswdigit(char16_t unit) noexcept;
 int iswspace(char16_t unit) noexcept;
 
-// Read a whole number: white space, a sign, digits. What does not fit becomes the nearest of the range
-// (of the unsigned forms the greatest, decided before a minus sign negates), and errno ERANGE. `end`
-// may be null; it receives the beginning of the text if there is no number. A radix is 0 or 2 to 36:
-// another one gives 0 and errno EINVAL.
+// Read a whole number: white space, a sign, digits. What does not fit becomes the nearest of the
+// range (of the unsigned forms the greatest, decided before a minus sign negates), and errno
+// ERANGE. `end` may be null; it receives the beginning of the text if there is no number. A radix
+// is 0 or 2 to 36: another one gives 0 and errno EINVAL.
 int atoi(const char* text) noexcept;
 int _wtoi(const char16_t* text) noexcept;
 i64 _wtoi64(const char16_t* text) noexcept;
@@ -52,8 +52,8 @@ i32 wcstol(const char16_t* text, char16_t** end, int radix) noexcept;
 u32 wcstoul(const char16_t* text, char16_t** end, int radix) noexcept;
 i64 wcstoll(const char16_t* text, char16_t** end, int radix) noexcept;
 
-// As strtod, with the decimal point of the locale. A number of more than 120 units needs the heap: if
-// that is full, the result is 0 and errno ENOMEM.
+// As strtod, with the decimal point of the locale. A number of more than 120 units needs the heap:
+// if that is full, the result is 0 and errno ENOMEM.
 double wcstod(const char16_t* text, char16_t** end) noexcept;
 
 // Write a number in a radix of 2 to 36, with small letters and a minus sign for radix 10 only, and

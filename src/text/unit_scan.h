@@ -9,6 +9,19 @@
 
 #include "platform/types.h"
 
+// Blocks take bytes along that lie around a text, so the sanitizers get loops over single units.
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define QX_SCAN_UNITS_ALONE
+#endif
+#endif
+#if !defined(__SSE2__) || defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define QX_SCAN_UNITS_ALONE
+#endif
+#if !defined(QX_SCAN_UNITS_ALONE) && defined(__x86_64__)
+#define QX_SCAN_AVX2
+#endif
+
 namespace unit_scan {
 
 constexpr std::size_t kUnlimited = SIZE_MAX;
@@ -41,7 +54,8 @@ struct FoldAscii {
 };
 
 struct Loops {
-    std::size_t (*findEnd)(const char16_t* text, std::size_t limit);
+    std::size_t (*findEnd)(const char16_t* text);
+    std::size_t (*findEndWithin)(const char16_t* text, std::size_t limit);
     std::size_t (*findUnitOrEnd)(const char16_t* text, char16_t unit);
     const char16_t* (*findLast)(const char16_t* text, char16_t unit);
     std::size_t (*findNotAsciiNarrow)(const char* text);
@@ -51,12 +65,29 @@ struct Loops {
     std::size_t (*findUpperDifference)(const char* first, const char* second, std::size_t limit);
 };
 
-// The best for this processor.
-const Loops& BestLoops();
+extern const Loops kPlainLoops;
+#ifdef QX_SCAN_AVX2
+extern const Loops kAvx2Loops;
+#endif
 
-// The index of the terminator, or the limit. Reads nothing with a limit of 0.
-inline std::size_t FindEnd(const char16_t* text, std::size_t limit = kUnlimited) {
-    return BestLoops().findEnd(text, limit);
+// The best for this processor.
+inline const Loops& BestLoops() {
+#ifdef QX_SCAN_AVX2
+    if (__builtin_cpu_supports("avx2")) {
+        return kAvx2Loops;
+    }
+#endif
+    return kPlainLoops;
+}
+
+// The index of the terminator.
+inline std::size_t FindEnd(const char16_t* text) {
+    return BestLoops().findEnd(text);
+}
+
+// The same, or the limit. Reads nothing with a limit of 0.
+inline std::size_t FindEnd(const char16_t* text, std::size_t limit) {
+    return BestLoops().findEndWithin(text, limit);
 }
 
 inline std::size_t FindUnitOrEnd(const char16_t* text, char16_t unit) {

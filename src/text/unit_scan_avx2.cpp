@@ -1,11 +1,7 @@
-#include "text/unit_scan_avx2.h"
+#include "text/unit_scan.h"
 
-#ifdef __AVX2__
+#ifdef QX_SCAN_AVX2
 #include "text/unit_scan_loops.h"
 
-namespace unit_scan {
-
-constinit const Loops kAvx2Loops = kLoops;
-
-}  // namespace unit_scan
+constinit const unit_scan::Loops unit_scan::kAvx2Loops = unit_scan::kLoops;
 #endif

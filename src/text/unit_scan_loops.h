@@ -1,10 +1,11 @@
 // The loops of unit_scan.h, for a source that defines their table. How wide a block is depends on
 // what that source is compiled for.
 //
-// A block is loaded only from a multiple of its size, and only when at least one of its bytes belongs
-// to the text; a load at any other address lies within the text. So no load touches a page that the
-// text does not, and memory checkers that know partial loads stay quiet. Bytes around the text never
-// decide a result. Under a sanitizer, and where there are no such blocks, units are loaded alone.
+// A block is loaded only from a multiple of its size, and only when at least one of its bytes
+// belongs to the text; a load at any other address lies within the text. So no load touches a page
+// that the text does not, and memory checkers that know partial loads stay quiet. Bytes around the
+// text never decide a result. Under a sanitizer, and where there are no such blocks, units are
+// loaded alone.
 //
 // Everything is local to the source: a copy of a shared function that is compiled for a newer
 // processor must not stand in for the plain one.
@@ -13,14 +14,6 @@
 
 #include "text/unit_scan.h"
 
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define QX_SCAN_UNITS_ALONE
-#endif
-#endif
-#if !defined(__SSE2__) || defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define QX_SCAN_UNITS_ALONE
-#endif
 #ifndef QX_SCAN_UNITS_ALONE
 #include <immintrin.h>
 #endif
@@ -97,6 +90,11 @@ std::size_t FindFirst(const Unit* text, std::size_t limit, Test test) {
     return index;
 }
 
+template <typename Unit, typename Test>
+std::size_t FindFirst(const Unit* text, Test test) {
+    return FindFirst(text, kUnlimited, test);
+}
+
 const char16_t* FindLastUnit(const char16_t* text, char16_t unit) {
     const char16_t* found = nullptr;
     for (;; ++text) {
@@ -110,8 +108,8 @@ const char16_t* FindLastUnit(const char16_t* text, char16_t unit) {
 template <typename Unit, typename Test>
 std::size_t FindPair(const Unit* first, const Unit* second, std::size_t limit, Test test) {
     std::size_t index = 0;
-    while (index < limit && !test(static_cast<Plain<Unit>>(first[index]),
-                                  static_cast<Plain<Unit>>(second[index]))) {
+    while (index < limit &&
+           !test(static_cast<Plain<Unit>>(first[index]), static_cast<Plain<Unit>>(second[index]))) {
         ++index;
     }
     return index;
@@ -143,9 +141,9 @@ Block<Unit> Load(const char* block) {
 }
 
 template <typename Unit>
-Block<Unit> LoadUnaligned(const char* bytes) {
+Block<Unit> LoadUnaligned(const Unit* text) {
     Block<Unit> units;
-    __builtin_memcpy(&units, bytes, sizeof units);
+    __builtin_memcpy(&units, text, sizeof units);
     return units;
 }
 
@@ -163,27 +161,38 @@ std::size_t LowestBit(unsigned mask) {
     return static_cast<std::size_t>(__builtin_ctz(mask));
 }
 
-// The index of the first unit that passes the test, or the limit. A test holds for the terminator.
+// The index of the first unit that passes the test. The test holds for the terminator.
+template <typename Unit, typename Test>
+std::size_t FindFirst(const Unit* text, Test test) {
+    const unsigned lead = Lead(text);
+    const char* const bytes = reinterpret_cast<const char*>(text);
+    unsigned mask = MaskOf(test(Load<Unit>(bytes - lead))) >> lead;
+    if (mask != 0) {
+        return LowestBit(mask) / sizeof(Unit);
+    }
+    std::size_t at = kBlockSize - lead;
+    while ((mask = MaskOf(test(Load<Unit>(bytes + at)))) == 0) {
+        at += kBlockSize;
+    }
+    return (at + LowestBit(mask)) / sizeof(Unit);
+}
+
+// The same, or the limit.
 template <typename Unit, typename Test>
 std::size_t FindFirst(const Unit* text, std::size_t limit, Test test) {
     if (limit == 0) {
         return 0;
     }
     const unsigned lead = Lead(text);
-    const char* block = reinterpret_cast<const char*>(text) - lead;
-    unsigned mask = MaskOf(test(Load<Unit>(block))) >> lead;
-    if (mask != 0) {
-        return Smaller(limit, LowestBit(mask) / sizeof(Unit));
+    const char* const bytes = reinterpret_cast<const char*>(text);
+    const std::size_t end = limit < kUnlimited / sizeof(Unit) ? limit * sizeof(Unit) : kUnlimited;
+    unsigned mask = MaskOf(test(Load<Unit>(bytes - lead))) >> lead;
+    std::size_t at = 0;
+    for (std::size_t next = kBlockSize - lead; mask == 0 && next < end; next += kBlockSize) {
+        at = next;
+        mask = MaskOf(test(Load<Unit>(bytes + at)));
     }
-    for (std::size_t index = (kBlockSize - lead) / sizeof(Unit); index < limit;
-         index += kBlockSize / sizeof(Unit)) {
-        block += kBlockSize;
-        mask = MaskOf(test(Load<Unit>(block)));
-        if (mask != 0) {
-            return Smaller(limit, index + LowestBit(mask) / sizeof(Unit));
-        }
-    }
-    return limit;
+    return mask != 0 ? Smaller(limit, (at + LowestBit(mask)) / sizeof(Unit)) : limit;
 }
 
 const char16_t* FindLastUnit(const char16_t* text, char16_t unit) {
@@ -205,88 +214,75 @@ const char16_t* FindLastUnit(const char16_t* text, char16_t unit) {
     }
 }
 
-// Blocks of one text, the one that begins earlier in its block, against windows of the other: the
-// units that stand at the same indexes.
-template <typename Unit>
-struct Windows {
-    const char* m_blocks;
-    unsigned m_shift;
-    std::size_t m_end;  // bytes from the first window to the limit
-
-    // Loads a window without a look at what follows the text in it: by its blocks.
-    Block<Unit> Join(std::size_t at, bool isLast) const {
-        Block<Unit> both[2] = {Load<Unit>(m_blocks + at), {}};
-        if (!isLast) {
-            both[1] = Load<Unit>(m_blocks + at + kBlockSize);
+// The index of the first pair of units that passes the test, or the count, where both texts have
+// that many units. The last window overlaps the one before it: what lies there has been seen.
+template <typename Unit, typename Test>
+std::size_t FindPairWithin(const Unit* first, const Unit* second, std::size_t count, Test test) {
+    constexpr std::size_t kUnits = kBlockSize / sizeof(Unit);
+    std::size_t index = 0;
+    if (count >= kUnits) {
+        for (;;) {
+            const unsigned mask =
+                MaskOf(test(LoadUnaligned(first + index), LoadUnaligned(second + index)));
+            if (mask != 0) {
+                return index + LowestBit(mask) / sizeof(Unit);
+            }
+            if (index == count - kUnits) {
+                return count;
+            }
+            index = Smaller(index + kUnits, count - kUnits);
         }
-        return LoadUnaligned<Unit>(reinterpret_cast<const char*>(both) + m_shift);
     }
-
-    bool EndsIn(std::size_t at, unsigned ignoredBytes) const {
-        return (MaskOf(IsEnd()(Load<Unit>(m_blocks + at))) >> ignoredBytes) != 0;
+    while (index < count &&
+           !test(static_cast<Plain<Unit>>(first[index]), static_cast<Plain<Unit>>(second[index]))) {
+        ++index;
     }
-};
+    return index;
+}
 
+// How much of two texts is measured before it is compared.
+constexpr std::size_t kStretch = 512;
+
+// The index of the first pair of units that passes the test, or the limit. The test holds where a
+// text ends.
 template <typename Unit, typename Test>
 std::size_t FindPair(const Unit* first, const Unit* second, std::size_t limit, Test test) {
-    if (limit == 0) {
-        return 0;
-    }
-    if (Lead(second) < Lead(first)) {
-        const Unit* const third = first;
-        first = second;
-        second = third;
-    }
-    const unsigned lead = Lead(first);
-    const unsigned shift = Lead(second) - lead;
-    const char* const blocks = reinterpret_cast<const char*>(first) - lead;
-    const std::size_t end = limit < kUnlimited / 4 ? limit * sizeof(Unit) + lead : kUnlimited;
-    const Windows<Unit> windows{reinterpret_cast<const char*>(second) - lead - shift, shift, end};
-    unsigned valid = ~0u << lead;
-    bool isLast = windows.EndsIn(0, lead + shift) || kBlockSize - shift >= end;
-    for (std::size_t at = 0;; at += kBlockSize) {
-        const bool endsNext = !isLast && (windows.EndsIn(at + kBlockSize, 0) ||
-                                          at + 2 * kBlockSize - shift >= end);
-        const Block<Unit> window = isLast || endsNext
-                                       ? windows.Join(at, isLast)
-                                       : LoadUnaligned<Unit>(windows.m_blocks + at + shift);
-        const unsigned mask = MaskOf(test(Load<Unit>(blocks + at), window)) & valid;
-        if (mask != 0) {
-            return Smaller(limit, (at + LowestBit(mask) - lead) / sizeof(Unit));
+    constexpr std::size_t kUnits = kStretch / sizeof(Unit);
+    for (std::size_t done = 0; done < limit; done += kUnits) {
+        const std::size_t room = Smaller(limit - done, kUnits);
+        const std::size_t shorter =
+            FindFirst(second + done, FindFirst(first + done, room, IsEnd()), IsEnd());
+        const std::size_t count = shorter < room ? shorter + 1 : room;
+        const std::size_t index = FindPairWithin(first + done, second + done, count, test);
+        if (index < count) {
+            return done + index;
         }
-        if (isLast) {
-            return limit;
-        }
-        isLast = endsNext;
-        valid = ~0u;
     }
+    return limit;
 }
 
 #endif
 
 constexpr Loops kLoops = {
-    .findEnd = [](const char16_t* text, std::size_t limit) {
-        return FindFirst(text, limit, IsEnd());
-    },
-    .findUnitOrEnd = [](const char16_t* text, char16_t unit) {
-        return FindFirst(text, kUnlimited, IsEndOrUnit{unit});
-    },
+    .findEnd = [](const char16_t* text) { return FindFirst(text, IsEnd()); },
+    .findEndWithin = [](const char16_t* text,
+                        std::size_t limit) { return FindFirst(text, limit, IsEnd()); },
+    .findUnitOrEnd = [](const char16_t* text,
+                        char16_t unit) { return FindFirst(text, IsEndOrUnit{unit}); },
     .findLast = FindLastUnit,
-    .findNotAsciiNarrow = [](const char* text) {
-        return FindFirst(text, kUnlimited, IsEndOrNotAscii<char>());
-    },
-    .findNotAsciiWide = [](const char16_t* text) {
-        return FindFirst(text, kUnlimited, IsEndOrNotAscii<char16_t>());
-    },
-    .findDifference = [](const char16_t* first, const char16_t* second, std::size_t limit) {
-        return FindPair(first, second, limit, Differ());
-    },
-    .findLowerDifference = [](const char16_t* first, const char16_t* second) {
-        return FindPair(first, second, kUnlimited, DifferAsLower());
-    },
-    .findUpperDifference = [](const char* first, const char* second, std::size_t limit) {
-        return FindPair(first, second, limit, DifferAsUpperOrNotAscii());
-    },
+    .findNotAsciiNarrow = [](const char* text) { return FindFirst(text, IsEndOrNotAscii<char>()); },
+    .findNotAsciiWide =
+        [](const char16_t* text) { return FindFirst(text, IsEndOrNotAscii<char16_t>()); },
+    .findDifference = [](const char16_t* first, const char16_t* second,
+                         std::size_t limit) { return FindPair(first, second, limit, Differ()); },
+    .findLowerDifference =
+        [](const char16_t* first, const char16_t* second) {
+            return FindPair(first, second, kUnlimited, DifferAsLower());
+        },
+    .findUpperDifference =
+        [](const char* first, const char* second, std::size_t limit) {
+            return FindPair(first, second, limit, DifferAsUpperOrNotAscii());
+        },
 };
 
 }  // namespace

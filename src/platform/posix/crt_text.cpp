@@ -1,4 +1,5 @@
-// Comparison and case mapping without regard to case, as the reference platform's C runtime does it.
+// Comparison and case mapping without regard to case, as the reference platform's C runtime does
+// it.
 #include "platform/crt_text.h"
 
 #include <cstdint>

@@ -70,8 +70,10 @@ const Unit* ReadPrefix(const Unit* text, int& radix) noexcept {
 template <typename Unit>
 void ReadDigits(const Unit* text, unsigned radix, WholeNumber<Unit>& number) noexcept {
     for (unsigned digit; (digit = DigitOf(*text)) < radix; ++text) {
-        number.m_overflows |= __builtin_mul_overflow(number.m_magnitude, radix, &number.m_magnitude);
-        number.m_overflows |= __builtin_add_overflow(number.m_magnitude, digit, &number.m_magnitude);
+        number.m_overflows |=
+            __builtin_mul_overflow(number.m_magnitude, radix, &number.m_magnitude);
+        number.m_overflows |=
+            __builtin_add_overflow(number.m_magnitude, digit, &number.m_magnitude);
         number.m_end = text + 1;
     }
 }
@@ -95,7 +97,8 @@ WholeNumber<Unit> ReadNumber(const Unit* text, int radix) noexcept {
     return number;
 }
 
-// The value in the width of the result, where a negative number has one more to give than a positive.
+// The value in the width of the result, where a negative number has one more to give than a
+// positive.
 template <typename Result, typename Unit>
 Result Fit(const WholeNumber<Unit>& number) noexcept {
     using Limits = std::numeric_limits<Result>;
