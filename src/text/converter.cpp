@@ -1,5 +1,6 @@
 #include "text/converter.h"
 
+#include <unicode/putil.h>
 #include <unicode/uclean.h>
 #include <unicode/utf16.h>
 

@@ -3,14 +3,14 @@
 #include <cstring>
 
 #include "platform/multibyte.h"
-#include "text/plain_run.h"
+#include "platform/utf_run.h"
+#include "text/unit_scan.h"
 
 namespace {
 
 size_t LengthInUnits(const char* source) {
-    const size_t length = std::strlen(source);
-    const size_t ascii = AsciiRunLength(source, length);
-    return ascii < length ? ascii + platform::mbstowcs(nullptr, source + ascii, 0) : length;
+    const size_t ascii = unit_scan::FindNotAscii(source);
+    return source[ascii] != 0 ? ascii + platform::mbstowcs(nullptr, source + ascii, 0) : ascii;
 }
 
 }  // namespace
@@ -21,7 +21,7 @@ size_t QXAnsiToUnicode(wchar* target, const char* source, size_t limit) {
         return LengthInUnits(source);
     }
     const size_t length = strnlen(source, limit);
-    const size_t ascii = ConvertAsciiRun(source, length, target);
+    const size_t ascii = platform::ConvertAsciiRun(source, length, target);
     if (ascii < length) {
         return ascii + platform::mbstowcs(target + ascii, source + ascii, limit - ascii);
     }

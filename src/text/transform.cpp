@@ -6,7 +6,7 @@
 
 #include <cstring>
 
-#include "text/plain_run.h"
+#include "platform/utf_run.h"
 
 namespace {
 
@@ -23,8 +23,8 @@ constexpr std::size_t kLongest = INT32_MAX / 3;
 // The start of the text that needs nothing of ICU. Arguments that it refuses, or that ask for a
 // length only, are left to it whole.
 template <typename Source, typename Target>
-PlainRun ConvertStart(Target* target, i32 capacity, const Source* source, i32 sourceLength,
-                      i32 substitution) noexcept {
+platform::UtfRun ConvertStart(Target* target, i32 capacity, const Source* source, i32 sourceLength,
+                              i32 substitution) noexcept {
     if (target == nullptr || capacity <= 0 || source == nullptr || sourceLength < -1 ||
         substitution > 0x10FFFF || U_IS_SURROGATE(substitution)) {
         return {0, 0};
@@ -34,20 +34,19 @@ PlainRun ConvertStart(Target* target, i32 capacity, const Source* source, i32 so
     if (units > kLongest) {
         return {0, 0};
     }
-    return ConvertPlainRun(source, units, target, static_cast<std::size_t>(capacity));
+    return platform::ConvertUtfRun(source, units, target, static_cast<std::size_t>(capacity));
 }
 
 // The rest of the text, the terminator and every failure are ICU's.
 template <typename Source, typename Target, typename Rest>
 Target* Convert(Target* target, i32 capacity, i32* length, const Source* source, i32 sourceLength,
                 i32 substitution, UErrorCode* status, Rest convertRest) noexcept {
-    const PlainRun run = ConvertStart(target, capacity, source, sourceLength, substitution);
+    const platform::UtfRun run = ConvertStart(target, capacity, source, sourceLength, substitution);
     const i32 read = static_cast<i32>(run.read);
     const i32 written = static_cast<i32>(run.written);
-    const Target* const end = convertRest(target + written, capacity - written, length,
-                                          source + read,
-                                          sourceLength >= 0 ? sourceLength - read : sourceLength,
-                                          substitution, nullptr, status);
+    const Target* const end = convertRest(
+        target + written, capacity - written, length, source + read,
+        sourceLength >= 0 ? sourceLength - read : sourceLength, substitution, nullptr, status);
     if (length != nullptr && (U_SUCCESS(*status) || *status == U_BUFFER_OVERFLOW_ERROR)) {
         *length += written;
     }
