@@ -155,6 +155,30 @@ QXResult QXEncConverter::FromWide(const wchar** source, const wchar* sourceLimit
     return ResultFromIcu(status);
 }
 
+// Without the flush, which would write a terminator.
+bool QXEncConverter::ConvertDirectly(QXEncConverter& to, const char** source,
+                                     const char* sourceLimit, char** target, char* targetLimit,
+                                     wchar* pivot, wchar* pivotLimit) noexcept {
+    if (m_converter == nullptr || to.m_converter == nullptr) {
+        return false;
+    }
+    const char* read = *source;
+    char* written = *target;
+    wchar* pivotSource = pivot;
+    wchar* pivotTarget = pivot;
+    UErrorCode status = U_ZERO_ERROR;
+    ucnv_convertEx(to.m_converter, m_converter, &written, targetLimit, &read, sourceLimit, pivot,
+                   &pivotSource, &pivotTarget, pivotLimit, false, false, &status);
+    if (U_FAILURE(status)) {
+        ucnv_reset(m_converter);
+        ucnv_reset(to.m_converter);
+        return false;
+    }
+    *source = read;
+    *target = written;
+    return true;
+}
+
 // ICU wants an address for the empty source, and an aligned one.
 QXResult QXEncConverter::FlushToWide(wchar** target, wchar* targetLimit) noexcept {
     const char none = 0;

@@ -19,10 +19,11 @@ class OneShot {
           m_targetLimit(target + targetSize) {}
 
     QXResult Run() noexcept {
-        QXResult result;
-        do {
-            result = RunPass();
-        } while (QX_SUCCEEDED(result) && m_source < m_sourceLimit);
+        const QXResult result =
+            m_from.ConvertDirectly(m_to, &m_source, m_sourceLimit, &m_target, m_targetLimit,
+                                   m_pivot, m_pivot + kPivotUnits)
+                ? QX_S_OK
+                : RunPasses();
         return QX_SUCCEEDED(result) ? Flush() : result;
     }
 
@@ -30,6 +31,15 @@ class OneShot {
     char* Target() const noexcept { return m_target; }
 
   private:
+    // How far the cursors are after a failure is told by these passes alone.
+    QXResult RunPasses() noexcept {
+        QXResult result;
+        do {
+            result = RunPass();
+        } while (QX_SUCCEEDED(result) && m_source < m_sourceLimit);
+        return result;
+    }
+
     // What the source gave before it failed still goes to the target.
     QXResult RunPass() noexcept {
         wchar* end = m_pivot;
