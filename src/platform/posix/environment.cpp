@@ -20,7 +20,7 @@ void AppendUtf8(std::string& text, char32_t point) {
         return;
     }
     const int trailing = point < 0x800 ? 1 : point < 0x10000 ? 2 : 3;
-    const u32 lead = 0xF00u >> trailing & 0xF0u;
+    const u32 lead = 0xF0u << (3 - trailing) & 0xFFu;
     text += static_cast<char>(lead | point >> 6 * trailing);
     for (int shift = 6 * (trailing - 1); shift >= 0; shift -= 6) {
         text += static_cast<char>(0x80u | (point >> shift & 0x3Fu));
