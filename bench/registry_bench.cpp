@@ -171,4 +171,42 @@ void SetValue_ByHand(benchmark::State& state) {
 }
 BENCHMARK(SetValue_ByHand);
 
+// All the values of the key; the time is that of one step.
+void EnumNextValue_Library(benchmark::State& state) {
+    TheRegistry();
+    QXHandle values = nullptr;
+    for (auto _ : state) {
+        char16_t name[32];
+        char16_t text[64];
+        uint32_t nameLength = 32;
+        uint32_t length = sizeof text;
+        uint32_t type;
+        if (values == nullptr ||
+            QXRegistryEnumNextValue(values, name, &nameLength, &type, text, &length) != 0) {
+            QXRegistryCloseEnum(values);
+            QXRegistryOpenValueEnum(QX_HKEY_USER, kPath, &values);
+        }
+        benchmark::DoNotOptimize(text);
+    }
+    QXRegistryCloseEnum(values);
+}
+BENCHMARK(EnumNextValue_Library);
+
+void EnumNextValue_ByHand(benchmark::State& state) {
+    Connection connection;
+    sqlite3_stmt* const select = connection.Prepare(
+        "SELECT vals.name, vals.type, vals.data FROM keys JOIN vals ON vals.key = keys.id"
+        " WHERE keys.path = ?1 ORDER BY vals.id");
+    const std::string path = Stored(kFoldedPath);
+    BindBlob(select, 1, path);
+    for (auto _ : state) {
+        if (::sqlite3_step(select) == SQLITE_DONE) {
+            ::sqlite3_reset(select);
+        }
+        benchmark::DoNotOptimize(::sqlite3_column_blob(select, 2));
+    }
+    ::sqlite3_finalize(select);
+}
+BENCHMARK(EnumNextValue_ByHand);
+
 }  // namespace

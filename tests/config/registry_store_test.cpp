@@ -127,11 +127,18 @@ TEST_F(RegistryStoreTest, LosesNothingThatWasReportedWhenWritersAreKilled) {
     }
 }
 
-TEST_F(RegistryStoreTest, WorksOnBothSidesOfAFork) {
+TEST_F(RegistryStoreTest, WorksOnBothSidesOfAForkWhileAThreadIsInside) {
     ASSERT_EQ(SetText(u"k\\a", u"v", u"before"), 0);
     ASSERT_EQ(SetText(u"k\\b", u"v", u"before"), 0);
     QXHandle keys;
     ASSERT_EQ(QXRegistryOpenKeyEnum(QX_HKEY_USER, u"k", &keys), 0);
+    std::atomic<bool> done{false};
+    bool busyOneSucceeds = true;
+    std::thread busyOne([&] {
+        while (!done) {
+            busyOneSucceeds &= SetNumber(0, 0, u"thread") == 0 && HasNumber(0, 0, u"thread");
+        }
+    });
     for (int i = 0; i < 20; ++i) {
         ChildProcess child([&] {
             const bool reads = Text(u"k\\a", u"v") == u"before" && Names(keys).size() == 2;
@@ -141,6 +148,9 @@ TEST_F(RegistryStoreTest, WorksOnBothSidesOfAFork) {
         EXPECT_EQ(child.Wait(), 0);
         EXPECT_TRUE(HasNumber(i, 1, u"child"));
     }
+    done = true;
+    busyOne.join();
+    EXPECT_TRUE(busyOneSucceeds);
     EXPECT_EQ(Names(keys).size(), 2u);
     QXRegistryCloseEnum(keys);
 }
