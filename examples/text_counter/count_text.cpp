@@ -27,7 +27,8 @@ std::u16string ClassText() {
 
 bool Succeeded(QXResult result, const char* what) {
     if (QX_FAILED(result)) {
-        std::fprintf(stderr, "count_text: %s: result 0x%08X\n", what, static_cast<unsigned>(result));
+        std::fprintf(stderr, "count_text: %s: result 0x%08X\n", what,
+                     static_cast<unsigned>(result));
     }
     return QX_SUCCEEDED(result);
 }
@@ -65,8 +66,8 @@ bool CountFile(ITextCounter* counter, const char* path, const std::u16string& en
     std::ifstream file(path, std::ios::binary);
     const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
     TextCounts counts;
-    if (!file || !Succeeded(counter->Count(text.data(), text.size(), encoding.c_str(), &counts),
-                            "Count")) {
+    if (!file ||
+        !Succeeded(counter->Count(text.data(), text.size(), encoding.c_str(), &counts), "Count")) {
         std::fprintf(stderr, "count_text: %s cannot be counted\n", path);
         return false;
     }
@@ -113,16 +114,17 @@ bool ShowCache() {
     void* object = nullptr;
     const QXResult flushed =
         QXComCreateObject(&kTextCounterClass, nullptr, &kTextCounterInterface, &object);
-    std::printf("%-44s 0x%08X, class not registered\n", "after the flush:",
-                static_cast<unsigned>(flushed));
+    std::printf("%-44s 0x%08X, class not registered\n",
+                "after the flush:", static_cast<unsigned>(flushed));
     return Succeeded(Register(library.c_str()), "Register") && cached != nullptr &&
            flushed == QX_E_NOTREGISTERED;
 }
 
 int Count(const std::vector<const char*>& paths, const std::u16string& encoding) {
-    ITextCounter* const byClass = CreateCounter("by class id, the library is loaded:", [](void** object) {
-        return QXComCreateObject(&kTextCounterClass, nullptr, &kTextCounterInterface, object);
-    });
+    ITextCounter* const byClass =
+        CreateCounter("by class id, the library is loaded:", [](void** object) {
+            return QXComCreateObject(&kTextCounterClass, nullptr, &kTextCounterInterface, object);
+        });
     if (byClass == nullptr) {
         return 1;
     }
@@ -158,8 +160,9 @@ int main(int argc, char** argv) {
         }
     }
     if (paths.empty()) {
-        std::fprintf(stderr, "usage: count_text [--encoding NAME] FILE...\n"
-                             "       count_text --register LIBRARY\n");
+        std::fprintf(stderr,
+                     "usage: count_text [--encoding NAME] FILE...\n"
+                     "       count_text --register LIBRARY\n");
         return 2;
     }
     return Count(paths, encoding);

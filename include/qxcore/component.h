@@ -16,8 +16,8 @@
 #ifndef QXCORE_COMPONENT_H
 #define QXCORE_COMPONENT_H
 
-#include <qxcore/result.h>
 #include <qxcore/guid.h>
+#include <qxcore/result.h>
 #include <qxcore/unknown.h>
 
 QX_BEGIN_DECLS

@@ -13,8 +13,8 @@
 #ifndef QXCORE_MODULE_H
 #define QXCORE_MODULE_H
 
-#include <qxcore/result.h>
 #include <qxcore/guid.h>
+#include <qxcore/result.h>
 
 /** What a module names itself by. It is compared as a number and never followed; null is a token.
  */

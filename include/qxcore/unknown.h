@@ -13,8 +13,8 @@
 #ifndef QXCORE_UNKNOWN_H
 #define QXCORE_UNKNOWN_H
 
-#include <qxcore/result.h>
 #include <qxcore/guid.h>
+#include <qxcore/result.h>
 
 /** The interface that every object has. */
 static const GUID QX_IID_UNKNOWN = {0, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};

@@ -5,12 +5,12 @@
 
 static int failures = 0;
 
-#define EXPECT(condition)                                                \
-    do {                                                                 \
-        if (!(condition)) {                                              \
+#define EXPECT(condition)                                                  \
+    do {                                                                   \
+        if (!(condition)) {                                                \
             printf("%s:%d: not so: %s\n", __FILE__, __LINE__, #condition); \
-            ++failures;                                                  \
-        }                                                                \
+            ++failures;                                                    \
+        }                                                                  \
     } while (0)
 
 static QXResult query(IQXUnknown* self, const GUID* interfaceID, void** result) {

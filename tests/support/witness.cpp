@@ -72,8 +72,8 @@ class Witness final : public IQXClassFactory {
 void LookUpPlainClass() {
     const GUID plain = WitnessClass(kPlain);
     void* factory = nullptr;
-    const auto lookUp = reinterpret_cast<QXGetClassObjectFunction>(
-        dlsym(RTLD_DEFAULT, "QXComGetClassObject"));
+    const auto lookUp =
+        reinterpret_cast<QXGetClassObjectFunction>(dlsym(RTLD_DEFAULT, "QXComGetClassObject"));
     if (QX_SUCCEEDED(lookUp(&plain, &QX_IID_CLASS_FACTORY, &factory))) {
         static_cast<IQXUnknown*>(factory)->Release();
     }
@@ -82,8 +82,8 @@ void LookUpPlainClass() {
 }  // namespace
 
 extern "C" __attribute__((visibility("default"))) QXResult DllGetClassObject(const GUID* classID,
-                                                                              const GUID*,
-                                                                              void** result) {
+                                                                             const GUID*,
+                                                                             void** result) {
     Write("asked");
     switch (classID->Data2) {
         case kRefuses:

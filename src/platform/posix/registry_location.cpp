@@ -127,4 +127,11 @@ u32 MakeStoreFile(const StoreLocation& location) noexcept {
     return error;
 }
 
+void SetSideFileModes(const StoreLocation& location) {
+    for (const char* suffix : {"-wal", "-shm"}) {
+        ::fchmodat(AT_FDCWD, (location.m_file + suffix).c_str(), location.m_fileMode,
+                   AT_SYMLINK_NOFOLLOW);
+    }
+}
+
 }  // namespace platform

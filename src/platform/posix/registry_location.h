@@ -38,6 +38,10 @@ u32 ProbeStoreFile(const StoreLocation& location, StoreFile* found) noexcept;
 // modes are the stated ones whatever the process's mask is.
 u32 MakeStoreFile(const StoreLocation& location) noexcept;
 
+// Gives the database's side files the file's own mode. They take the mode that the file has when
+// they are made, which, if another process made the file, may still be a narrower one.
+void SetSideFileModes(const StoreLocation& location);
+
 }  // namespace platform
 
 #endif

@@ -149,6 +149,7 @@ bool RegistryStore::Connect(bool forWriting) {
             return false;
         }
         FillStore(connection.get(), m_number);
+        SetSideFileModes(Location());
         content = IdentifyStore(connection.get());
     }
     ThrowIf(content != StoreContent::kRegistry, kErrorBadDatabase);
