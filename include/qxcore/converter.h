@@ -119,7 +119,8 @@ QX_API QXResult QXEncFromW_Convert(QXEncConverter* converter, const wchar** sour
                                    const wchar* sourceLimit, char** target, char* targetLimit);
 
 /**
- * Ends a conversion to wide text: writes what was kept, and makes the object fit for a new text.
+ * Ends a conversion to wide text: writes what was kept and, unless it fails, makes the
+ * object fit for a new text.
  *
  * @param converter    the object.
  * @param target       in: where the text goes; out: behind what was written, also on failure.
@@ -130,7 +131,8 @@ QX_API QXResult QXEncFromW_Convert(QXEncConverter* converter, const wchar** sour
 QX_API QXResult QXEncToW_Flush(QXEncConverter* converter, wchar** target, wchar* targetLimit);
 
 /**
- * Ends a conversion from wide text: writes what was kept, and makes the object fit for a new text.
+ * Ends a conversion from wide text: writes what was kept and, unless it fails, makes the
+ * object fit for a new text.
  *
  * @param converter    the object. One without a converter ends the process (std::terminate).
  * @param target       in: where the bytes go; out: behind what was written, also on failure.
