@@ -82,6 +82,12 @@ UConverter* OpenNamed(const wchar* name) noexcept {
     return OpenLastResort();
 }
 
+// Encodings that carry nothing from one character to the next. What others write, such as SCSU, may
+// depend on the passes that the text comes in.
+bool IsStateless(const UConverter* converter) noexcept {
+    return converter != nullptr && ucnv_getType(converter) <= UCNV_UTF32_LittleEndian;
+}
+
 QXResult SetStopCallbacks(UConverter* converter) noexcept {
     UErrorCode status = U_ZERO_ERROR;
     ucnv_setToUCallBack(converter, UCNV_TO_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &status);
@@ -159,7 +165,7 @@ QXResult QXEncConverter::FromWide(const wchar** source, const wchar* sourceLimit
 bool QXEncConverter::ConvertDirectly(QXEncConverter& to, const char** source,
                                      const char* sourceLimit, char** target, char* targetLimit,
                                      wchar* pivot, wchar* pivotLimit) noexcept {
-    if (m_converter == nullptr || to.m_converter == nullptr) {
+    if (!IsStateless(m_converter) || !IsStateless(to.m_converter)) {
         return false;
     }
     const char* read = *source;

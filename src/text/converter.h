@@ -27,9 +27,10 @@ struct QXEncConverter {
     QXResult FromWide(const wchar** source, const wchar* sourceLimit, char** target,
                       char* targetLimit, bool flush) noexcept;
 
-    // From this encoding to another: all of the source that ToWide and FromWide would convert
-    // without a failure, in the way that is ICU's fastest for the two. False if there would be a
-    // failure: both objects are then fit for a new text, and the cursors stand where they stood.
+    // From this encoding to another: all of the source, as ToWide and FromWide would convert it in
+    // passes, but in ICU's fastest way. False if there would be a failure, or if passes are needed
+    // to give the same: both objects are then fit for a new text, and the cursors stand where they
+    // stood.
     bool ConvertDirectly(QXEncConverter& to, const char** source, const char* sourceLimit,
                          char** target, char* targetLimit, wchar* pivot,
                          wchar* pivotLimit) noexcept;
