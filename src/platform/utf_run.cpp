@@ -155,7 +155,8 @@ UtfRun Convert(const Source* source, std::size_t length, Target* target,
     const Source* from = source;
     Target* to = target;
     const Source* const end = source + length;
-    const Target* const room = target + capacity;
+    // A capacity may stand for "no limit", which no address can be made of.
+    const Target* const room = target + std::min(capacity, length * kGrowth);
     while (end - from >= kBlock && room - to >= kBlock * kGrowth) {
         if (ConvertAsciiBlock(from, to)) {
             from += kBlock;

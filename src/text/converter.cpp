@@ -88,6 +88,33 @@ bool IsStateless(const UConverter* converter) noexcept {
     return converter != nullptr && ucnv_getType(converter) <= UCNV_UTF32_LittleEndian;
 }
 
+// Bad input stops both converters for the length of a scope.
+class StopMeanwhile {
+  public:
+    StopMeanwhile(UConverter* from, UConverter* to) noexcept : m_from(from), m_to(to) {
+        UErrorCode status = U_ZERO_ERROR;
+        ucnv_setToUCallBack(from, UCNV_TO_U_CALLBACK_STOP, nullptr, &m_fromAction, &m_fromContext,
+                            &status);
+        ucnv_setFromUCallBack(to, UCNV_FROM_U_CALLBACK_STOP, nullptr, &m_toAction, &m_toContext,
+                              &status);
+    }
+    ~StopMeanwhile() {
+        UErrorCode status = U_ZERO_ERROR;
+        ucnv_setToUCallBack(m_from, m_fromAction, m_fromContext, nullptr, nullptr, &status);
+        ucnv_setFromUCallBack(m_to, m_toAction, m_toContext, nullptr, nullptr, &status);
+    }
+    StopMeanwhile(const StopMeanwhile&) = delete;
+    StopMeanwhile& operator=(const StopMeanwhile&) = delete;
+
+  private:
+    UConverter* m_from;
+    UConverter* m_to;
+    UConverterToUCallback m_fromAction = nullptr;
+    UConverterFromUCallback m_toAction = nullptr;
+    const void* m_fromContext = nullptr;
+    const void* m_toContext = nullptr;
+};
+
 QXResult SetStopCallbacks(UConverter* converter) noexcept {
     UErrorCode status = U_ZERO_ERROR;
     ucnv_setToUCallBack(converter, UCNV_TO_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &status);
@@ -146,7 +173,8 @@ QXResult QXEncConverter::ToWide(const char** source, const char* sourceLimit, wc
         return QX_E_NOCONVERTER;
     }
     UErrorCode status = U_ZERO_ERROR;
-    ucnv_toUnicode(m_converter, target, targetLimit, source, sourceLimit, nullptr, flush, &status);
+    ucnv_toUnicode(m_converter, target, targetLimit, source, sourceLimit, nullptr, UBool{flush},
+                   &status);
     return ResultFromIcu(status);
 }
 
@@ -156,18 +184,20 @@ QXResult QXEncConverter::FromWide(const wchar** source, const wchar* sourceLimit
         std::terminate();
     }
     UErrorCode status = U_ZERO_ERROR;
-    ucnv_fromUnicode(m_converter, target, targetLimit, source, sourceLimit, nullptr, flush,
+    ucnv_fromUnicode(m_converter, target, targetLimit, source, sourceLimit, nullptr, UBool{flush},
                      &status);
     return ResultFromIcu(status);
 }
 
-// Without the flush, which would write a terminator.
+// Bad input, for which ICU's ways do not all put the same number of substitutes, is left to the
+// passes. Without the flush, which would write a terminator.
 bool QXEncConverter::ConvertDirectly(QXEncConverter& to, const char** source,
                                      const char* sourceLimit, char** target, char* targetLimit,
                                      wchar* pivot, wchar* pivotLimit) noexcept {
     if (!IsStateless(m_converter) || !IsStateless(to.m_converter)) {
         return false;
     }
+    const StopMeanwhile stop(m_converter, to.m_converter);
     const char* read = *source;
     char* written = *target;
     wchar* pivotSource = pivot;

@@ -346,6 +346,9 @@ TEST(Narrow, BecomesWideUpToEveryLimit) {
             }
         }
     }
+    char16_t wide[64];
+    EXPECT_EQ(40u, QXAnsiToUnicode(wide, NarrowRows()[2].narrow.c_str(), SIZE_MAX));
+    EXPECT_EQ(18u, QXAnsiToUnicode(wide, NarrowRows()[3].narrow.c_str(), SIZE_MAX));
     // No terminator is needed where the limit ends the text.
     ExactBlock<char> open(std::string_view("0123456789abcdefghij"));
     ExactBlock<char16_t> target(20);
@@ -367,6 +370,7 @@ TEST(Narrow, IsMadeOfWideUpToEveryLimit) {
         EXPECT_EQ(narrow.substr(0, fitting), target.Content().substr(0, fitting));
     }
     char target[10];
+    EXPECT_EQ(3u, QXUnicodeToAnsi(target, u"\u6C34", SIZE_MAX));
     const char16_t lone[] = {u'a', 0xDC00, 0};
     EXPECT_EQ(SIZE_MAX, QXUnicodeToAnsi(target, lone, 10));
 }

@@ -3,8 +3,11 @@
 #include <cerrno>
 
 #include <algorithm>
+#include <cstring>
+#include <string>
 
 #include "platform/errors.h"
+#include "platform/utf_run.h"
 #include "utf8.h"
 
 namespace platform {
@@ -20,6 +23,10 @@ struct FromNarrow {
         return utf::DecodeUtf8(text, available);
     }
     static utf::Encoded<char16_t> Write(char32_t character) { return utf::EncodeUtf16(character); }
+    // No byte becomes more than one unit.
+    static std::size_t SureLength(const char* text, std::size_t room) {
+        return strnlen(text, room);
+    }
 };
 
 struct FromWide {
@@ -29,13 +36,36 @@ struct FromWide {
         return utf::DecodeUtf16(text, available);
     }
     static utf::Encoded<char> Write(char32_t character) { return utf::EncodeUtf8(character); }
+    // No unit becomes more than three bytes.
+    static std::size_t SureLength(const char16_t* text, std::size_t room) {
+        const char16_t* const end = std::char_traits<char16_t>::find(text, room / 3, u'\0');
+        return end != nullptr ? static_cast<std::size_t>(end - text) : room / 3;
+    }
 };
+
+// The start of terminated text. Of text that the room may end before its terminator, only so much
+// is looked at as is sure to be needed.
+template <typename Form>
+UtfRun ConvertStart(typename Form::Target* target, const typename Form::Source* source,
+                    std::size_t room) noexcept {
+    UtfRun whole = {0, 0};
+    for (UtfRun run = {1, 0}; run.read != 0;) {
+        const std::size_t left = room - whole.written;
+        run = ConvertUtfRun(source + whole.read, Form::SureLength(source + whole.read, left),
+                            target + whole.written, left);
+        whole = {whole.read + run.read, whole.written + run.written};
+    }
+    return whole;
+}
 
 template <typename Form>
 std::size_t ConvertTerminated(typename Form::Target* target, const typename Form::Source* source,
                               std::size_t limit) noexcept {
     const std::size_t room = target != nullptr ? limit : SIZE_MAX;
-    std::size_t written = 0;
+    const UtfRun start =
+        target != nullptr ? ConvertStart<Form>(target, source, room) : UtfRun{0, 0};
+    std::size_t written = start.written;
+    source += start.read;
     while (written < room) {
         const utf::Decoded read = Form::Read(source, UINT64_MAX);
         if (read.character == utf::kIllFormed) {
@@ -62,8 +92,9 @@ template <typename Form>
 i32 ConvertCounted(const typename Form::Source* source, i32 length, typename Form::Target* target,
                    i32 capacity) noexcept {
     const auto end = static_cast<u64>(length);
-    i64 written = 0;
-    for (u64 position = 0; position < end;) {
+    const UtfRun start = ConvertUtfRun(source, end, target, static_cast<std::size_t>(capacity));
+    i64 written = static_cast<i64>(start.written);
+    for (u64 position = start.read; position < end;) {
         const utf::Decoded read = Form::Read(source + position, end - position);
         const auto encoded =
             Form::Write(read.character != utf::kIllFormed ? read.character : utf::kReplacement);
