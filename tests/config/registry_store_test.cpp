@@ -81,6 +81,7 @@ int WriteFromTwoThreads(int first) {
 TEST_F(RegistryStoreTest, TakesWritersFromManyProcessesAndThreadsAtOnce) {
     // Nobody has made the store: the processes do, all at once.
     std::vector<ChildProcess> writers;
+    writers.reserve(4);
     for (int i = 0; i < 4; ++i) {
         writers.emplace_back([i] { return WriteFromTwoThreads(2000 * i); });
     }
