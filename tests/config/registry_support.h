@@ -11,7 +11,7 @@
 
 #include "support/temporary_directory.h"
 
-class RegistryTest : public testing::Test {
+class Registry : public testing::Test {
   protected:
     void SetUp() override { ::setenv("W64QXCORE6_REGISTRY", m_directory.Path().c_str(), 1); }
 
