@@ -16,7 +16,6 @@ constexpr char16_t kLongSymbol[] = u"a_symbol_that_is_too_long_to_be_kept_withou
 
 TEST(GuardedExports, FailedAllocationIsAResultAndLeavesTheInvalidHandle) {
     const RegisteredClasses classes;
-    classes.RegisterProgram(u"Some", u"text");
     const std::u16string path = classes.WitnessPath();
     QXHandle library = nullptr;
     ASSERT_EQ(QX_S_OK, QXLibOpen(path.c_str(), &library));
@@ -29,14 +28,6 @@ TEST(GuardedExports, FailedAllocationIsAResultAndLeavesTheInvalidHandle) {
     const Row rows[] = {
         {"QXMutexCreate", [](QXHandle* out) { return QXMutexCreate(kLongName, 0, out); },
          QXMutexDestroy, QX_INVALID_HANDLE},
-        {"QXRegistryOpenKeyEnum",
-         [](QXHandle* out) { return QXRegistryOpenKeyEnum(QX_HKEY_CLASSES_64, u"Some", out); },
-         QXRegistryCloseEnum, QX_INVALID_HANDLE},
-        {"QXRegistryOpenValueEnum",
-         [](QXHandle* out) {
-             return QXRegistryOpenValueEnum(QX_HKEY_CLASSES_64, u"Some\\CLSID", out);
-         },
-         QXRegistryCloseEnum, QX_INVALID_HANDLE},
         {"QXLibOpen", [&](QXHandle* out) { return QXLibOpen(path.c_str(), out); }, QXLibClose,
          QX_INVALID_HANDLE},
         {"QXLibGetSymbol",
