@@ -17,6 +17,8 @@ install(FILES
   ${PROJECT_BINARY_DIR}/w64qxcore6-config-version.cmake
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/w64qxcore6)
 
+# The file finds the prefix from where it is, so that an installation can be moved.
+file(RELATIVE_PATH QXCORE_PC_TO_PREFIX "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 configure_file(cmake/w64qxcore6.pc.in ${PROJECT_BINARY_DIR}/w64qxcore6.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/w64qxcore6.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
