@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <new>
+#include <string>
 #include <string_view>
 
 namespace {

@@ -14,8 +14,8 @@ QXHandle OpenAs(QXModuleToken token, QXResult expected) {
 
 TEST(Module, TokensAreMarkedOnceAndAnyValueIsOne) {
     const int own = 0;
-    for (const QXModuleToken token :
-         {static_cast<QXModuleToken>(&own), QXModuleToken{nullptr}, QXModuleToken{QX_INVALID_HANDLE}}) {
+    for (const QXModuleToken token : {static_cast<QXModuleToken>(&own), QXModuleToken{nullptr},
+                                      QXModuleToken{QX_INVALID_HANDLE}}) {
         EXPECT_EQ(QX_S_OK, QXModuleSetInitialized(token, 0));
         EXPECT_EQ(nullptr, OpenAs(token, QX_E_NOTINITIALIZED));
         EXPECT_EQ(QX_S_OK, QXModuleSetInitialized(token, 0x7F00));

@@ -47,7 +47,8 @@ struct Footprint {
 
 Footprint Measure() {
     Footprint now = {};
-    for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+    for ([[maybe_unused]] const auto& entry :
+         std::filesystem::directory_iterator("/proc/self/fd")) {
         ++now.descriptors;
     }
     std::ifstream maps("/proc/self/maps");
@@ -62,11 +63,11 @@ bool IsLoaded() {
     return dlopen(QXCORE_LIBRARY, RTLD_NOW | RTLD_NOLOAD) != nullptr;
 }
 
-void SetNumber(const LoadedLibrary& library, const char16_t* name) {
+QXResult SetNumber(const LoadedLibrary& library, const char16_t* name) {
     const uint32_t number = 1;
-    EXPECT_EQ(QX_S_OK, library.Call("QXRegistrySetValue", int32_t{QX_HKEY_USER}, u"Load", name,
-                                    uint32_t{QX_REG_DWORD}, static_cast<const void*>(&number),
-                                    uint32_t{sizeof number}));
+    return library.Call("QXRegistrySetValue", int32_t{QX_HKEY_USER}, u"Load", name,
+                        uint32_t{QX_REG_DWORD}, static_cast<const void*>(&number),
+                        uint32_t{sizeof number});
 }
 
 void UseEverything(const LoadedLibrary& library) {
@@ -76,7 +77,7 @@ void UseEverything(const LoadedLibrary& library) {
     library.Call("QXMutexRelease", mutex);
     library.Call("QXMutexDestroy", mutex);
     library.Call("QXLibOpen", u"qxcore-nothing.so", &mutex);
-    SetNumber(library, u"number");
+    EXPECT_EQ(QX_S_OK, SetNumber(library, u"number"));
 }
 
 TEST(LoadUnload, LeavesNothingBehindInAThousandRounds) {
@@ -85,7 +86,7 @@ TEST(LoadUnload, LeavesNothingBehindInAThousandRounds) {
     Footprint settled = {};
     for (int round = 0; round < 1000; ++round) {
         LoadedLibrary library;
-        if (round % 20 == 0) {
+        if (round % 5 == 0) {
             UseEverything(library);
         }
         library.Close();
@@ -96,12 +97,15 @@ TEST(LoadUnload, LeavesNothingBehindInAThousandRounds) {
     }
     const Footprint end = Measure();
     EXPECT_EQ(settled.descriptors, end.descriptors);
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)  // these map and keep their own
     EXPECT_LE(end.mappings, settled.mappings + 1);
-    EXPECT_LE(end.heap, settled.heap + 8192);
+    // The heap counts what it keeps for reuse as used.
+    EXPECT_LE(end.heap, settled.heap + 32 * 1024);
+#endif
 }
 
-// Runs the body in a child and gives the words of the witness's log, with "status N" in front if the
-// child did not end well.
+// Runs the body in a child and gives the words of the witness's log, with "status N" in front if
+// the child did not end well.
 std::string LogOfChild(const std::function<void(LoadedLibrary&)>& body) {
     const TemporaryDirectory directory;
     const std::string log = directory.Path() / "log";
@@ -124,20 +128,22 @@ std::string LogOfChild(const std::function<void(LoadedLibrary&)>& body) {
 }
 
 // Registers the witness and leaves its factory in the cache.
-void CacheWitness(const LoadedLibrary& library) {
+QXResult CacheWitness(const LoadedLibrary& library) {
     const GUID classID = WitnessClass(kPlain);
     char16_t classText[QX_GUID_TEXT_SIZE];
     library.Call("QXComStringFromGUID", &classID, &classText[0], int32_t{QX_GUID_TEXT_SIZE});
     const std::u16string key = u"CLSID\\" + std::u16string(classText) + u"\\InprocServer32";
     const std::u16string path = std::filesystem::path(QXCORE_WITNESS).u16string();
-    ASSERT_EQ(QX_S_OK,
-              library.Call("QXRegistrySetValue", int32_t{QX_HKEY_CLASSES_64}, key.c_str(), u"",
-                           uint32_t{QX_REG_STRING}, static_cast<const void*>(path.c_str()),
-                           static_cast<uint32_t>(path.size() * 2)));
+    library.Call("QXRegistrySetValue", int32_t{QX_HKEY_CLASSES_64}, key.c_str(), u"",
+                 uint32_t{QX_REG_STRING}, static_cast<const void*>(path.c_str()),
+                 static_cast<uint32_t>(path.size() * 2));
     void* factory = nullptr;
-    ASSERT_EQ(QX_S_OK, library.Call("QXComGetClassObject", &classID, &QX_IID_CLASS_FACTORY,
-                                    static_cast<void**>(&factory)));
-    library.Call("IQXUnknown_Release", factory);
+    const QXResult result =
+        library.Call("QXComGetClassObject", &classID, &QX_IID_CLASS_FACTORY, &factory);
+    if (QX_SUCCEEDED(result)) {
+        library.Call("IQXUnknown_Release", factory);
+    }
+    return result;
 }
 
 // A thread that waits inside the library for a mutex until the process is gone.
@@ -155,7 +161,8 @@ void LeaveThreadWaiting(const LoadedLibrary& library) {
     }
 }
 
-// A thread that is busy inside the library until the process is gone.
+// A thread that is busy inside the library until the process is gone. Near the end its lookups are
+// refused.
 void LeaveThreadBusy(const LoadedLibrary& library) {
     static std::atomic<int> s_rounds{0};
     std::thread([&library] {
@@ -179,23 +186,29 @@ TEST(LoadUnload, ReleasesCachedFactoriesAndUnloadsNoneOfTheirLibraries) {
         std::function<void(LoadedLibrary&)> body;
         const char* log;
     };
-    // The witness's own destructors run before the library's at the end of a process, and at
-    // unloading only when the process ends.
+    // Unloading the library leaves the witness in memory until the process ends.
     const Row rows[] = {
         {"flush",
          [](LoadedLibrary& library) {
-             CacheWitness(library);
+             EXPECT_EQ(QX_S_OK, CacheWitness(library));
              library.Call("QXComFlushFactoryCache");
          },
          "loaded asked released unloaded "},
-        {"process end", [](LoadedLibrary& library) { CacheWitness(library); },
-         "loaded asked unloaded released "},
+        {"dlclose",
+         [](LoadedLibrary& library) {
+             EXPECT_EQ(QX_S_OK, CacheWitness(library));
+             library.Close();
+             EXPECT_FALSE(IsLoaded());
+         },
+         "loaded asked released unloaded "},
+        {"process end", [](LoadedLibrary& library) { EXPECT_EQ(QX_S_OK, CacheWitness(library)); },
+         "loaded asked released unloaded "},
         {"process end while a thread waits",
          [](LoadedLibrary& library) {
-             CacheWitness(library);
+             EXPECT_EQ(QX_S_OK, CacheWitness(library));
              LeaveThreadWaiting(library);
          },
-         "loaded asked unloaded released "},
+         "loaded asked released unloaded "},
     };
     for (const Row& row : rows) {
         EXPECT_EQ(row.log, LogOfChild(row.body)) << row.what;

@@ -9,8 +9,8 @@ void FailAllocation(int n);
 bool AllocationHasFailed();
 
 // Runs the body with the first allocation failing, then with the second, and so on, until one run
-// meets no fault. The body returns whether it succeeded, which the last run must. Returns the number
-// of runs that met a fault.
+// meets no fault. The body returns whether it succeeded, which the last run must. Returns the
+// number of runs that met a fault.
 template <typename Body>
 int ForEachFailingAllocation(Body&& body) {
     for (int n = 1;; ++n) {

@@ -11,8 +11,8 @@
 
 class RegisteredClasses {
   public:
-    // Points the process's registry and the witness's log into a temporary directory. The registry's
-    // place is looked up once in a process, so a test has one of these.
+    // Points the process's registry and the witness's log into a temporary directory. The
+    // registry's place is looked up once in a process, so a test has one of these.
     RegisteredClasses();
 
     static std::u16string WitnessPath();

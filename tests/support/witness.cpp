@@ -1,9 +1,13 @@
+// It does not link to the library under test, so that it does not keep that loaded.
 #include "support/witness.h"
 
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 #include <thread>
 
@@ -34,8 +38,8 @@ class Witness final : public IQXClassFactory {
     virtual ~Witness() = default;
 
     QXResult QueryInterface(const GUID* wanted, void** result) override {
-        if (!QXComIsEqualGUID(wanted, &QX_IID_UNKNOWN) &&
-            !QXComIsEqualGUID(wanted, &QX_IID_CLASS_FACTORY)) {
+        if (std::memcmp(wanted, &QX_IID_UNKNOWN, sizeof(GUID)) != 0 &&
+            std::memcmp(wanted, &QX_IID_CLASS_FACTORY, sizeof(GUID)) != 0) {
             *result = nullptr;
             return kNoInterface;
         }
@@ -44,10 +48,10 @@ class Witness final : public IQXClassFactory {
         return QX_S_OK;
     }
 
-    uint32_t AddRef() override { return QXAtomicIncrement(&m_references); }
+    uint32_t AddRef() override { return ++m_references; }
 
     uint32_t Release() override {
-        const uint32_t left = QXAtomicDecrement(&m_references);
+        const uint32_t left = --m_references;
         if (left == 0) {
             Write("released");
             delete this;
@@ -62,22 +66,24 @@ class Witness final : public IQXClassFactory {
     }
 
   private:
-    uint32_t m_references = 1;
+    std::atomic<uint32_t> m_references{1};
 };
 
 void LookUpPlainClass() {
     const GUID plain = WitnessClass(kPlain);
     void* factory = nullptr;
-    if (QX_SUCCEEDED(QXComGetClassObject(&plain, &QX_IID_CLASS_FACTORY, &factory))) {
-        IQXUnknown_Release(factory);
+    const auto lookUp =
+        reinterpret_cast<QXGetClassObjectFunction>(dlsym(RTLD_DEFAULT, "QXComGetClassObject"));
+    if (QX_SUCCEEDED(lookUp(&plain, &QX_IID_CLASS_FACTORY, &factory))) {
+        static_cast<IQXUnknown*>(factory)->Release();
     }
 }
 
 }  // namespace
 
 extern "C" __attribute__((visibility("default"))) QXResult DllGetClassObject(const GUID* classID,
-                                                                              const GUID*,
-                                                                              void** result) {
+                                                                             const GUID*,
+                                                                             void** result) {
     Write("asked");
     switch (classID->Data2) {
         case kRefuses:

@@ -8,11 +8,11 @@
 // number as Data2.
 enum WitnessBehaviour : uint16_t {
     kPlain = 1,
-    kPositiveResult,   // answers 7 with a factory
-    kRefuses,          // answers kWitnessRefusal with something in the result
-    kComesBack,        // looks the plain class up before it answers
-    kNullFactory,      // answers 0 with a null factory
-    kSlow,             // yields for a while before it answers
+    kPositiveResult,  // answers 7 with a factory
+    kRefuses,         // answers kWitnessRefusal with something in the result
+    kComesBack,       // looks the plain class up before it answers
+    kNullFactory,     // answers 0 with a null factory
+    kSlow,            // yields for a while before it answers
 };
 
 constexpr GUID WitnessClass(WitnessBehaviour behaviour) {

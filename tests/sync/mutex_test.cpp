@@ -9,7 +9,9 @@ namespace {
 
 class Mutex {
   public:
-    explicit Mutex(uint32_t flags = 0) { EXPECT_EQ(QX_S_OK, QXMutexCreate("test", flags, &m_handle)); }
+    explicit Mutex(uint32_t flags = 0) {
+        EXPECT_EQ(QX_S_OK, QXMutexCreate("test", flags, &m_handle));
+    }
     ~Mutex() { EXPECT_EQ(0, QXMutexDestroy(m_handle)); }
     operator QXHandle() const { return m_handle; }
 

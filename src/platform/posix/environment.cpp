@@ -3,108 +3,34 @@
 #include "platform/environment.h"
 
 #include <cstdlib>
+#include <cstring>
 #include <new>
 #include <string>
 #include <string_view>
 
 #include "platform/errors.h"
+#include "platform/multibyte.h"
 
 namespace platform {
 namespace {
 
-constexpr char16_t kReplacement = 0xFFFD;
-
-void AppendUtf8(std::string& text, char32_t point) {
-    if (point < 0x80) {
-        text += static_cast<char>(point);
-        return;
+// Null for text that can name no variable: it is empty or ill-formed.
+const char* FindVariable(const std::u16string& name) {
+    const std::size_t length = wcstombs(nullptr, name.c_str(), 0);
+    if (length == 0 || length == SIZE_MAX) {
+        return nullptr;
     }
-    const int trailing = point < 0x800 ? 1 : point < 0x10000 ? 2 : 3;
-    const u32 lead = 0xF00u >> trailing & 0xF0u;
-    text += static_cast<char>(lead | point >> 6 * trailing);
-    for (int shift = 6 * (trailing - 1); shift >= 0; shift -= 6) {
-        text += static_cast<char>(0x80u | (point >> shift & 0x3Fu));
-    }
+    std::string narrow(length, '\0');
+    wcstombs(narrow.data(), name.c_str(), length);
+    return std::getenv(narrow.c_str());
 }
 
-// False for text with a lone surrogate: it names no variable.
-bool ToUtf8(std::u16string_view text, std::string& out) {
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        char32_t point = text[i];
-        if (point >= 0xD800 && point < 0xE000) {
-            const char32_t low = i + 1 < text.size() ? text[i + 1] : 0;
-            if (point >= 0xDC00 || low < 0xDC00 || low > 0xDFFF) {
-                return false;
-            }
-            point = 0x10000 + ((point - 0xD800) << 10) + (low - 0xDC00);
-            ++i;
-        }
-        AppendUtf8(out, point);
-    }
-    return true;
-}
-
-// What a lead byte says: how many bytes follow, its own bits, and the least value of that length.
-struct Utf8Lead {
-    int trailing;
-    char32_t bits;
-    char32_t least;
-};
-
-bool ReadLead(u8 byte, Utf8Lead& lead) {
-    if (byte >= 0xC2 && byte < 0xE0) {
-        lead = {1, byte & 0x1Fu, 0x80};
-    } else if (byte >= 0xE0 && byte < 0xF0) {
-        lead = {2, byte & 0x0Fu, 0x800};
-    } else if (byte >= 0xF0 && byte < 0xF5) {
-        lead = {3, byte & 0x07u, 0x10000};
-    } else {
-        return false;
-    }
-    return true;
-}
-
-// Takes one character off the front; U+FFFD and one byte where it is ill-formed.
-char32_t TakeCharacter(std::string_view& text) {
-    const u8 first = static_cast<u8>(text.front());
-    text.remove_prefix(1);
-    if (first < 0x80) {
-        return first;
-    }
-    Utf8Lead lead;
-    if (!ReadLead(first, lead) || text.size() < static_cast<std::size_t>(lead.trailing)) {
-        return kReplacement;
-    }
-    char32_t point = lead.bits;
-    for (int i = 0; i < lead.trailing; ++i) {
-        const u8 byte = static_cast<u8>(text[static_cast<std::size_t>(i)]);
-        if ((byte & 0xC0) != 0x80) {
-            return kReplacement;
-        }
-        point = point << 6 | (byte & 0x3Fu);
-    }
-    if (point < lead.least || point > 0x10FFFF || (point >= 0xD800 && point < 0xE000)) {
-        return kReplacement;
-    }
-    text.remove_prefix(static_cast<std::size_t>(lead.trailing));
-    return point;
-}
-
-void AppendUtf16(std::u16string& out, std::string_view text) {
-    while (!text.empty()) {
-        const char32_t point = TakeCharacter(text);
-        if (point < 0x10000) {
-            out += static_cast<char16_t>(point);
-        } else {
-            out += static_cast<char16_t>(0xD7C0 + (point >> 10));
-            out += static_cast<char16_t>(0xDC00 + (point & 0x3FF));
-        }
-    }
-}
-
-const char* FindVariable(std::u16string_view name) {
-    std::string narrow;
-    return !name.empty() && ToUtf8(name, narrow) ? std::getenv(narrow.c_str()) : nullptr;
+void AppendWide(std::u16string& out, const char* value) {
+    const i32 length = static_cast<i32>(std::strlen(value));
+    const i32 units = MultiByteToWideChar(value, length, nullptr, 0);
+    const std::size_t end = out.size();
+    out.resize(end + static_cast<std::size_t>(units));
+    MultiByteToWideChar(value, length, out.data() + end, units);
 }
 
 std::u16string Expand(std::u16string_view source) {
@@ -120,8 +46,8 @@ std::u16string Expand(std::u16string_view source) {
         if (close == source.npos) {
             return out.append(source);
         }
-        if (const char* value = FindVariable(source.substr(1, close - 1))) {
-            AppendUtf16(out, value);
+        if (const char* value = FindVariable(std::u16string(source.substr(1, close - 1)))) {
+            AppendWide(out, value);
             source.remove_prefix(close + 1);
         } else {
             out += source.substr(0, close);

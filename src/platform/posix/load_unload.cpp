@@ -3,12 +3,11 @@
 #include <dirent.h>
 #include <sys/single_threaded.h>
 
-#include <cstdlib>
-
 #include "platform/lifetime.h"
 #include "registry_unload.h"
 
 extern "C" [[gnu::visibility("hidden")]] char __dso_handle;
+extern "C" int __cxa_atexit(void (*handler)(void*), void* argument, void* module);
 
 namespace platform {
 namespace {
@@ -18,7 +17,7 @@ constinit bool s_processEnds = false;
 // The exit handler and the destructor tell the two ends apart. At the end of the process the C
 // library runs the exit handlers before it detaches any shared object; dlclose runs the destructor
 // first and this library's exit handlers behind it.
-void NoteProcessEnd() {
+void NoteProcessEnd(void*) {
     s_processEnds = true;
 }
 
@@ -37,7 +36,7 @@ bool OneThreadIsLeft() noexcept {
 }
 
 [[gnu::constructor]] void OnLoad() {
-    std::atexit(NoteProcessEnd);
+    __cxa_atexit(NoteProcessEnd, nullptr, &__dso_handle);
     DllMain(&__dso_handle, kProcessAttach, nullptr);
 }
 

@@ -1,0 +1,260 @@
+#include "config/registry_support.h"
+
+#include <cstring>
+
+#include "support/child_process.h"
+
+namespace {
+
+constexpr QXResult kNotFound = QX_E_NOTFOUND;
+
+TEST_F(RegistryTest, TellsEachFailureByItsCode) {
+    ASSERT_EQ(SetText(u"key", u"value", u"text"), 0);
+    ASSERT_EQ(SetText(u"key\\below", u"", u""), 0);
+    QXHandle handle;
+    char small[2];
+    uint32_t length = sizeof small;
+    uint32_t type = 99;
+    const std::u16string longName(256, u'n');
+    struct {
+        const char* what;
+        QXResult result;
+        QXResult expected;
+    } const rows[] = {
+        {"get, no key", Exists(QX_HKEY_USER, u"none", u""), kNotFound},
+        {"get, no value", Exists(QX_HKEY_USER, u"key", u"none"), kNotFound},
+        {"get, no store", Exists(QX_HKEY_CONFIG, u"key", u"value"), kNotFound},
+        {"get, bad root", Exists(5, u"key", u"value"), QX_E_HANDLE},
+        {"get, negative root", Exists(-1, u"key", u"value"), QX_E_HANDLE},
+        {"get, data without length",
+         QXRegistryGetValue(QX_HKEY_USER, u"key", u"value", &type, small, nullptr), QX_E_FAIL},
+        {"get, small buffer",
+         QXRegistryGetValue(QX_HKEY_USER, u"key", u"value", &type, small, &length), QX_E_FAIL},
+        {"set, 64-bit number", SetText(u"k", u"v", u"", QX_HKEY_USER, 2), QX_E_INVALIDARG},
+        {"set, bad type before bad root", SetText(u"k", u"v", u"", 9, 6), QX_E_INVALIDARG},
+        {"set, bad root", SetText(u"k", u"v", u"", 9), QX_E_HANDLE},
+        {"set, long name", SetText(longName.c_str(), u"v", u""), QX_E_FAIL},
+        {"delete key, none", QXRegistryDeleteKey(QX_HKEY_USER, u"none"), QX_E_FAIL},
+        {"delete key, bad root", QXRegistryDeleteKey(9, u"key"), QX_E_FAIL},
+        {"delete value, no key", QXRegistryDeleteValue(QX_HKEY_USER, u"none", u""), kNotFound},
+        {"delete value, none", QXRegistryDeleteValue(QX_HKEY_USER, u"key", u"n"), kNotFound},
+        {"delete value, bad root", QXRegistryDeleteValue(9, u"key", u"n"), QX_E_HANDLE},
+        {"key enum, none", QXRegistryOpenKeyEnum(QX_HKEY_USER, u"none", &handle), QX_E_FAIL},
+        {"key enum, bad root", QXRegistryOpenKeyEnum(9, u"key", &handle), QX_E_FAIL},
+        {"value enum, none", QXRegistryOpenValueEnum(QX_HKEY_USER, u"no", &handle), kNotFound},
+        {"value enum, bad root", QXRegistryOpenValueEnum(9, u"key", &handle), QX_E_HANDLE},
+        {"close null", QXRegistryCloseEnum(nullptr), QX_S_OK},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(row.result, row.expected) << row.what;
+    }
+    EXPECT_EQ(handle, QX_INVALID_HANDLE);
+    EXPECT_EQ(length, 10u);
+    EXPECT_EQ(type, 1u) << "the native number stays when the buffer is too small";
+    EXPECT_EQ(SubkeysOf(u""), (std::vector<std::u16string>{u"key"}));
+}
+
+TEST_F(RegistryTest, KeepsEachViewOfEachRootApart) {
+    for (int32_t root = 0; root < 5; ++root) {
+        ASSERT_EQ(
+            SetText(u"Key", u"name", std::u16string(1, static_cast<char16_t>(u'0' + root)), root),
+            0);
+    }
+    for (int32_t root = 0; root < 5; ++root) {
+        EXPECT_EQ(Text(u"Key", u"name", root),
+                  std::u16string(1, static_cast<char16_t>(u'0' + root)));
+    }
+    EXPECT_EQ(QXRegistryDeleteKey(0, u"Key"), 0);
+    EXPECT_EQ(Exists(0, u"Key", u"name"), kNotFound);
+    EXPECT_EQ(Exists(3, u"Key", u"name"), QX_S_OK);
+}
+
+TEST_F(RegistryTest, ReadsEachTypeByNameAndInAnEnumeration) {
+    constexpr uint32_t kUntouched = 77;
+    const struct {
+        uint32_t written;
+        uint32_t byName;
+    } rows[] = {{0, 0}, {1, 1}, {3, 3}, {4, 0}, {5, 5}};
+    for (const auto& row : rows) {
+        const char16_t name[] = {static_cast<char16_t>(u'a' + row.written), 0};
+        ASSERT_EQ(QXRegistrySetValue(QX_HKEY_USER, u"k", name, row.written, u"ab\0", 8), 0);
+        uint32_t type = kUntouched;
+        char data[8];
+        uint32_t length = sizeof data;
+        EXPECT_EQ(QXRegistryGetValue(QX_HKEY_USER, u"k", name, &type, data, &length), 0);
+        EXPECT_EQ(type, row.byName);
+        EXPECT_EQ(length, 8u);
+    }
+    QXHandle values;
+    ASSERT_EQ(QXRegistryOpenValueEnum(QX_HKEY_USER, u"k", &values), 0);
+    for (const auto& row : rows) {
+        char16_t name[2];
+        uint32_t nameLength = 2;
+        uint32_t type = kUntouched;
+        uint32_t length = 0;
+        EXPECT_EQ(QXRegistryEnumNextValue(values, name, &nameLength, &type, nullptr, &length), 0);
+        EXPECT_EQ(name[0], u'a' + row.written) << "in the order of setting";
+        EXPECT_EQ(type, row.byName);
+        EXPECT_EQ(length, 8u);
+    }
+    QXRegistryCloseEnum(values);
+}
+
+TEST_F(RegistryTest, StoresExactlyTheBytesThatAreCounted) {
+    const std::string bytes(
+        "\0\xFF"
+        "odd",
+        5);
+    ASSERT_EQ(QXRegistrySetValue(QX_HKEY_USER, u"k", u"", QX_REG_BINARY, bytes.data(), 5), 0);
+    ASSERT_EQ(QXRegistrySetValue(QX_HKEY_USER, u"k", u"empty", QX_REG_STRING, nullptr, 0), 0);
+    uint32_t length = 0;
+    EXPECT_EQ(QXRegistryGetValue(QX_HKEY_USER, u"k", u"", nullptr, nullptr, &length), 0);
+    EXPECT_EQ(length, 5u);
+    char data[6] = "#####";
+    EXPECT_EQ(QXRegistryGetValue(QX_HKEY_USER, u"k", nullptr, nullptr, data, &length), 0);
+    EXPECT_EQ(std::string(data, 6), bytes + '\0') << "nothing behind the stored bytes";
+    EXPECT_EQ(QXRegistryGetValue(QX_HKEY_USER, u"k", u"empty", nullptr, data, &length), 0);
+    EXPECT_EQ(length, 0u);
+}
+
+TEST_F(RegistryTest, ExpandsWhatTheEnvironmentKnows) {
+    ::setenv("QX_T", "v\xC3\xA4\xF0\x9F\x98\x80", 1);
+    ::setenv("QX_\xC3\x84", "umlaut", 1);
+    ::setenv("QX_BAD", "<\xC3>\xED\xA0\x80", 1);
+    const struct {
+        const char16_t* stored;
+        const char16_t* expanded;
+    } rows[] = {
+        {u"", u""},
+        {u"plain", u"plain"},
+        {u"a%QX_T%b%QX_T%", u"av\u00E4\U0001F600bv\u00E4\U0001F600"},
+        {u"%QX_NONE%", u"%QX_NONE%"},
+        {u"100%", u"100%"},
+        {u"%%", u"%%"},
+        {u"%QX_NONE%QX_T%", u"%QX_NONEv\u00E4\U0001F600"},
+        {u"%QX_\u00C4%", u"umlaut"},
+        {u"%QX_\xD800%", u"%QX_\xD800%"},
+        {u"%QX_BAD%", u"<\uFFFD>\uFFFD\uFFFD\uFFFD"},
+    };
+    for (const auto& row : rows) {
+        ASSERT_EQ(SetText(u"k", u"v", row.stored, QX_HKEY_USER, QX_REG_EXPAND_STRING), 0);
+        EXPECT_EQ(Text(u"k", u"v"), row.expanded);
+    }
+}
+
+TEST_F(RegistryTest, ExpansionKeepsToTheBuffer) {
+    ::setenv("QX_T", "long", 1);
+    // Without a terminator, and half a unit behind it: the text ends where it was stored.
+    const std::u16string stored = u"%QX_T%";
+    ASSERT_EQ(QXRegistrySetValue(QX_HKEY_USER, u"k", u"v", QX_REG_EXPAND_STRING, u"%QX_T%x", 13),
+              0);
+    const std::vector<char16_t> raw(stored.begin(), stored.end());
+    for (const uint32_t units : {7u, 8u}) {
+        std::vector<char16_t> data(units, u'#');
+        uint32_t type = 99;
+        uint32_t length = 2 * units;
+        EXPECT_EQ(QXRegistryGetValue(QX_HKEY_USER, u"k", u"v", &type, data.data(), &length), 0);
+        EXPECT_EQ(std::u16string(data.data()), u"long");
+        EXPECT_EQ(length, 13u);
+    }
+    ::setenv("QX_T", "too long", 1);
+    std::vector<char16_t> data(7, u'#');
+    uint32_t type = 99;
+    uint32_t length = 14;
+    EXPECT_EQ(QXRegistryGetValue(QX_HKEY_USER, u"k", u"v", &type, data.data(), &length), QX_E_FAIL);
+    EXPECT_EQ(type, QX_REG_STRING);
+    EXPECT_EQ(length, 13u);
+    EXPECT_EQ(std::memcmp(data.data(), stored.data(), 12), 0) << "the raw text stays";
+    EXPECT_EQ(QXRegistryGetValue(QX_HKEY_USER, u"k", u"v", nullptr, data.data(), &length), 0);
+    length = 14;
+    EXPECT_EQ(QXRegistryGetValue(QX_HKEY_USER, u"k", u"v", &type, nullptr, &length), 0);
+}
+
+TEST_F(RegistryTest, NamesMayHoldAnyUnit) {
+    const char16_t* const names[] = {
+        u"a", u"ab",           u"a/b",    u"%",       u"_",      u"a'b\"c", u"*?[]",   u";--",
+        u" ", u"\u00E4\u0436", u"\xD800", u"\xDC00x", u"\u00DF", u"\u0131", u"\xFFFF",
+    };
+    for (const char16_t* name : names) {
+        ASSERT_EQ(SetText(name, name, name), 0);
+    }
+    EXPECT_EQ(SubkeysOf(u"").size(), std::size(names)) << "none of them is another";
+    for (const char16_t* name : names) {
+        EXPECT_EQ(Text(name, name), name);
+    }
+    EXPECT_EQ(Text(u"\\\\A/B\\", u"A/B"), u"a/b");
+    EXPECT_EQ(Text(u"\u00C4\u0416", u"\u00C4\u0416"), u"\u00E4\u0436");
+    EXPECT_EQ(QXRegistryDeleteKey(QX_HKEY_USER, u"A"), 0);
+    EXPECT_EQ(SubkeysOf(u"").size(), std::size(names) - 1);
+}
+
+TEST_F(RegistryTest, EnumeratesKeysByFoldedNameAndStepsOverWhatDoesNotFit) {
+    for (const char16_t* path : {u"k\\b", u"k\\Ab", u"k\\a", u"k\\\u00E4", u"k\\C", u"k\\_"}) {
+        ASSERT_EQ(SetText(path, u"", u""), 0);
+    }
+    ASSERT_EQ(SetText(u"K\\AB", u"", u""), 0);
+    EXPECT_EQ(SubkeysOf(u"k"),
+              (std::vector<std::u16string>{u"a", u"Ab", u"b", u"C", u"_", u"\u00E4"}));
+    QXHandle keys;
+    ASSERT_EQ(QXRegistryOpenKeyEnum(QX_HKEY_USER, u"k", &keys), 0);
+    char16_t name[2];
+    for (const QXResult expected : {QX_S_OK, QX_E_FAIL, QX_S_OK}) {
+        uint32_t length = 2;
+        EXPECT_EQ(QXRegistryEnumNextKey(keys, name, &length), expected);
+    }
+    EXPECT_EQ(name[0], u'b');
+    EXPECT_EQ(Names(keys).size(), 3u);
+    EXPECT_TRUE(Names(keys).empty()) << "the end goes on";
+    QXRegistryCloseEnum(keys);
+}
+
+TEST_F(RegistryTest, AnEnumerationOfADeletedKeyStaysDead) {
+    ASSERT_EQ(SetText(u"k\\below", u"", u""), 0);
+    QXHandle keys;
+    ASSERT_EQ(QXRegistryOpenKeyEnum(QX_HKEY_USER, u"k", &keys), 0);
+    ASSERT_EQ(QXRegistryDeleteKey(QX_HKEY_USER, u"k"), 0);
+    ASSERT_EQ(SetText(u"k\\below", u"", u""), 0);
+    EXPECT_TRUE(Names(keys).empty());
+    QXRegistryCloseEnum(keys);
+}
+
+TEST_F(RegistryTest, DeletesTreesAndMixesTheNumbersOfWhatFails) {
+    const std::u16string longest(255, u'z');
+    ASSERT_EQ(SetText(u"k\\a\\b\\c", u"v", u"text"), 0);
+    ASSERT_EQ(SetText(u"k\\d", u"v", u"text"), 0);
+    EXPECT_EQ(QXRegistryDeleteKey(QX_HKEY_USER, u"K"), 0);
+    ASSERT_EQ(SetText(u"k\\a\\b\\c", u"w", u"text"), 0);
+    EXPECT_EQ(Text(u"k\\a\\b\\c", u"v"), u"<not found>") << "values go with their key";
+    ASSERT_EQ(SetText((u"k\\" + longest).c_str(), u"v", u"text"), 0);
+    EXPECT_EQ(QXRegistryDeleteKey(QX_HKEY_USER, u"k"), 5);
+    EXPECT_EQ(SubkeysOf(u"k"), (std::vector<std::u16string>{longest}));
+    ASSERT_EQ(SetText(u"other\\below", u"v", u"text"), 0);
+    EXPECT_EQ(QXRegistryDeleteKey(QX_HKEY_USER, u"\\"), 5) << "the root itself stays";
+    EXPECT_EQ(SubkeysOf(u""), (std::vector<std::u16string>{u"k"}));
+}
+
+TEST_F(RegistryTest, LooksAtTheEnvironmentOnceAndReadingMakesNothing) {
+    EXPECT_EQ(Text(u"k", u"v"), u"<not found>");
+    EXPECT_EQ(QXRegistryDeleteKey(QX_HKEY_USER, u"k"), QX_E_FAIL);
+    EXPECT_TRUE(std::filesystem::is_empty(m_directory.Path()));
+    ::setenv("W64QXCORE6_REGISTRY", "/nowhere", 1);
+    EXPECT_EQ(SetText(u"k", u"v", u"text"), 0);
+    EXPECT_TRUE(std::filesystem::exists(File("user.db")));
+}
+
+TEST_F(RegistryTest, MakesTheUsersDirectoryForTheUserAlone) {
+    ::unsetenv("W64QXCORE6_REGISTRY");
+    ::setenv("HOME", m_directory.Path().c_str(), 1);
+    ::setenv("XDG_CONFIG_HOME", "relative", 1);
+    ::umask(0);
+    ASSERT_EQ(SetText(u"k", u"v", u"text"), 0);
+    using std::filesystem::perms;
+    const auto modeOf = [this](const char* path) {
+        return std::filesystem::status(File(path)).permissions();
+    };
+    EXPECT_EQ(modeOf(".config/w64qxcore6"), perms::owner_all);
+    EXPECT_EQ(modeOf(".config/w64qxcore6/user.db"), perms::owner_read | perms::owner_write);
+    EXPECT_EQ(modeOf(".config/w64qxcore6/user.db-wal"), perms::owner_read | perms::owner_write);
+}
+
+}  // namespace

@@ -1,0 +1,74 @@
+// A forked copy of the test that runs one function.
+#ifndef TESTS_SUPPORT_CHILD_PROCESS_H
+#define TESTS_SUPPORT_CHILD_PROCESS_H
+
+#include <signal.h>
+#include <sys/mman.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <new>
+
+enum class ChildEnd {
+    kAtOnce,               // nothing runs behind the function
+    kThroughExitHandlers,  // as a program ends: libraries are detached
+};
+
+class ChildProcess {
+  public:
+    // `body` returns the exit code. What it expects by the test framework's means is lost.
+    template <typename Body>
+    explicit ChildProcess(Body&& body, ChildEnd end = ChildEnd::kAtOnce) : m_id(::fork()) {
+        if (m_id == 0) {
+            const int code = body();
+            if (end == ChildEnd::kThroughExitHandlers) {
+                std::exit(code);
+            }
+            std::_Exit(code);
+        }
+    }
+    ~ChildProcess() {
+        if (m_id > 0) {
+            Kill();
+        }
+    }
+    ChildProcess(ChildProcess&& other) noexcept : m_id(other.m_id) { other.m_id = -1; }
+    ChildProcess& operator=(ChildProcess&&) = delete;
+
+    // The exit code, or -1 for a child that did not come to its end.
+    int Wait() {
+        int status = 0;
+        const bool ended = m_id > 0 && ::waitpid(m_id, &status, 0) == m_id && WIFEXITED(status);
+        m_id = -1;
+        return ended ? WEXITSTATUS(status) : -1;
+    }
+
+    void Kill() {
+        ::kill(m_id, SIGKILL);
+        Wait();
+    }
+
+  private:
+    pid_t m_id;
+};
+
+// An object that this process and the children that it forks share.
+template <typename Object>
+class SharedWithChildren {
+  public:
+    SharedWithChildren()
+        : m_object(::new (::mmap(nullptr, sizeof(Object), PROT_READ | PROT_WRITE,
+                                 MAP_SHARED | MAP_ANONYMOUS, -1, 0)) Object()) {}
+    ~SharedWithChildren() { ::munmap(m_object, sizeof(Object)); }
+    SharedWithChildren(const SharedWithChildren&) = delete;
+    SharedWithChildren& operator=(const SharedWithChildren&) = delete;
+
+    Object& operator*() const { return *m_object; }
+    Object* operator->() const { return m_object; }
+
+  private:
+    Object* m_object;
+};
+
+#endif
