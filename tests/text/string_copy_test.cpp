@@ -108,9 +108,10 @@ TYPED_TEST(StringForms, CountedCopiesFillUpAndDoNotTerminate) {
         const auto letters = this->Letters(length);
         auto source = ExactText(std::basic_string_view<TypeParam>(letters));
         for (size_t count = 0; count <= length + 3; ++count) {
-            std::vector<TypeParam> target(count, '#');
+            std::vector<TypeParam> target(std::max<size_t>(count, 1), '#');
             auto expected = letters;
             expected.resize(count);
+            expected.resize(target.size(), '#');
             EXPECT_EQ(Form<TypeParam>::kNCpy(target.data(), source.data(), count), target.data());
             EXPECT_TRUE(std::equal(target.begin(), target.end(), expected.begin()));
 
