@@ -34,20 +34,27 @@ template <typename Unit, char kFrom>
 struct FoldAscii {
     template <typename Value>
     Value operator()(Value value) const {
+        return static_cast<Value>(value ^ CaseBitIfLetter(value));
+    }
+
+    // The bit in which the cases differ, or 0 for what is no letter of the range.
+    template <typename Value>
+    static Value CaseBitIfLetter(Value value) {
         constexpr Plain<Unit> kFirst = kFrom;
         constexpr Plain<Unit> kCount = 26;
-        return Flip(value, static_cast<Value>(value - kFirst) < Value{} + kCount);
+        return CaseBitIf<Value>(static_cast<Value>(value - kFirst) < Value{} + kCount);
     }
 
   private:
-    static Plain<Unit> Flip(Plain<Unit> value, bool isLetter) {
-        return static_cast<Plain<Unit>>(value ^ (isLetter ? 0x20 : 0));
+    template <typename Value>
+    static Value CaseBitIf(bool isLetter) {
+        return isLetter ? 0x20 : 0;
     }
 
     template <typename Value, typename Lanes>
-    static Value Flip(Value value, Lanes isLetter) {
+    static Value CaseBitIf(Lanes isLetter) {
         constexpr Plain<Unit> kCaseBit = 0x20;
-        return value ^ ((Value)isLetter & kCaseBit);
+        return (Value)isLetter & kCaseBit;
     }
 };
 

@@ -57,28 +57,34 @@ struct IsEndOrNotAscii {
     }
 };
 
-struct Differ {
+// The tests of pairs hold as long as two texts go on alike.
+
+struct Alike {
     template <typename Value>
     auto operator()(Value first, Value second) const {
-        return (first == Value{}) | (first != second);
+        return (first == second) & (first != Value{});
     }
 };
 
-struct DifferAsLower {
+// Units that differ in the case bit alone are the same letter if one of them is a letter at all.
+template <typename Unit>
+struct AlikeButForCase {
     template <typename Value>
     auto operator()(Value first, Value second) const {
-        constexpr FoldAscii<char16_t, 'A'> kFold;
-        return Differ()(kFold(first), kFold(second));
+        constexpr Plain<Unit> kCaseBit = 0x20;
+        const auto lower = static_cast<Value>(first | kCaseBit);
+        const auto ignored = FoldAscii<Unit, 'a'>::CaseBitIfLetter(lower);
+        const auto difference = static_cast<Value>((first ^ second) & ~ignored);
+        return (difference == Value{}) & (first != Value{});
     }
 };
 
-struct DifferAsUpperOrNotAscii {
+struct AlikeButForCaseAndAscii {
     template <typename Value>
     auto operator()(Value first, Value second) const {
-        constexpr FoldAscii<char, 'a'> kFold;
         constexpr u8 kLast = 0x7F;
-        return Differ()(kFold(first), kFold(second)) |
-               (static_cast<Value>(first | second) > Value{} + kLast);
+        return AlikeButForCase<char>()(first, second) &
+               (static_cast<Value>(first | second) <= Value{} + kLast);
     }
 };
 
@@ -111,7 +117,7 @@ const char16_t* FindLastUnit(const char16_t* text, char16_t unit) {
 template <typename Unit, typename Test>
 std::size_t FindPair(const Unit* first, const Unit* second, std::size_t limit, Test test) {
     std::size_t index = 0;
-    while (index < limit && !test(PlainUnit(first[index]), PlainUnit(second[index]))) {
+    while (index < limit && test(PlainUnit(first[index]), PlainUnit(second[index]))) {
         ++index;
     }
     return index;
@@ -125,6 +131,7 @@ using Raw = __m256i;
 using Raw = __m128i;
 #endif
 constexpr std::size_t kBlockSize = sizeof(Raw);
+constexpr unsigned kFullMask = ~0u >> (32 - kBlockSize);
 
 template <typename Unit>
 struct BlockOf {
@@ -221,9 +228,9 @@ std::size_t RoomInPage(const void* address) {
     return kSmallestPage - reinterpret_cast<std::uintptr_t>(address) % kSmallestPage;
 }
 
-// The index of the first pair of units that passes the test, or the limit. The test holds where a
-// text ends. Two texts can stand at different places in their blocks, so their windows stand
-// anywhere, but never across the end of a page.
+// The index of the first pair of units that fails the test, or the limit. Two texts can stand at
+// different places in their blocks, so their windows stand anywhere, but never across the end of a
+// page.
 template <typename Unit, typename Test>
 std::size_t FindPair(const Unit* first, const Unit* second, std::size_t limit, Test test) {
     constexpr std::size_t kUnits = kBlockSize / sizeof(Unit);
@@ -231,7 +238,7 @@ std::size_t FindPair(const Unit* first, const Unit* second, std::size_t limit, T
         const std::size_t room =
             Smaller(RoomInPage(first + index), RoomInPage(second + index)) / sizeof(Unit);
         if (room < kUnits) {
-            if (test(PlainUnit(first[index]), PlainUnit(second[index]))) {
+            if (!test(PlainUnit(first[index]), PlainUnit(second[index]))) {
                 return index;
             }
             ++index;
@@ -241,8 +248,8 @@ std::size_t FindPair(const Unit* first, const Unit* second, std::size_t limit, T
              index += kUnits) {
             const unsigned mask =
                 MaskOf(test(LoadUnaligned(first + index), LoadUnaligned(second + index)));
-            if (mask != 0) {
-                return Smaller(limit, index + LowestBit(mask) / sizeof(Unit));
+            if (mask != kFullMask) {
+                return Smaller(limit, index + LowestBit(~mask) / sizeof(Unit));
             }
         }
     }
@@ -262,14 +269,14 @@ constexpr Loops kLoops = {
     .findNotAsciiWide =
         [](const char16_t* text) { return FindFirst(text, IsEndOrNotAscii<char16_t>()); },
     .findDifference = [](const char16_t* first, const char16_t* second,
-                         std::size_t limit) { return FindPair(first, second, limit, Differ()); },
+                         std::size_t limit) { return FindPair(first, second, limit, Alike()); },
     .findLowerDifference =
         [](const char16_t* first, const char16_t* second) {
-            return FindPair(first, second, kUnlimited, DifferAsLower());
+            return FindPair(first, second, kUnlimited, AlikeButForCase<char16_t>());
         },
     .findUpperDifference =
         [](const char* first, const char* second, std::size_t limit) {
-            return FindPair(first, second, limit, DifferAsUpperOrNotAscii());
+            return FindPair(first, second, limit, AlikeButForCaseAndAscii());
         },
 };
 
