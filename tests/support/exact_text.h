@@ -2,35 +2,29 @@
 #ifndef QX_TESTS_SUPPORT_EXACT_TEXT_H
 #define QX_TESTS_SUPPORT_EXACT_TEXT_H
 
-#include <cstddef>
+#include <string>
 #include <string_view>
 #include <vector>
 
 // The units as they are, without a terminator of their own.
 template <typename Unit>
-std::vector<Unit> ExactUnits(std::basic_string_view<Unit> units) {
+std::vector<Unit> ExactUnits(const std::basic_string<Unit>& units) {
     return std::vector<Unit>(units.begin(), units.end());
 }
 
 // The same with a terminator.
 template <typename Unit>
-std::vector<Unit> ExactText(std::basic_string_view<Unit> units) {
-    std::vector<Unit> text(units.size() + 1);
-    units.copy(text.data(), units.size());
-    return text;
+std::vector<Unit> ExactText(const std::basic_string<Unit>& units) {
+    return std::vector<Unit>(units.c_str(), units.c_str() + units.size() + 1);
 }
 
-inline std::vector<char> ExactText(const char* text) {
-    return ExactText(std::string_view(text));
-}
-
-inline std::vector<char16_t> ExactText(const char16_t* text) {
-    return ExactText(std::u16string_view(text));
-}
-
-// ASCII text in wide units.
+// Each byte as a wide unit.
 inline std::u16string Widen(std::string_view text) {
-    return std::u16string(text.begin(), text.end());
+    std::u16string wide;
+    for (const char unit : text) {
+        wide += static_cast<unsigned char>(unit);
+    }
+    return wide;
 }
 
 #endif

@@ -77,12 +77,12 @@ TEST_F(StringCase, TextIsMappedInPlaceWhateverItsLength) {
     const std::string upper = "AZ@[`{ 09~";
     std::string text, asLower, asUpper;
     for (size_t length = 0; length <= 150; ++length) {
-        auto narrow = ExactText(std::string_view(text));
+        auto narrow = ExactText(text);
         EXPECT_EQ(QXStrToLowerA(narrow.data()), narrow.data());
         EXPECT_EQ(narrow.data(), asLower);
         EXPECT_EQ(QXStrToUpperA(narrow.data()), narrow.data());
         EXPECT_EQ(narrow.data(), asUpper);
-        auto wide = ExactText(std::u16string_view(Widen(text)));
+        auto wide = ExactText(Widen(text));
         EXPECT_EQ(QXStrToLowerW(wide.data()), wide.data());
         EXPECT_EQ(wide.data(), Widen(asLower));
         EXPECT_EQ(QXStrToUpperW(wide.data()), wide.data());
@@ -94,12 +94,12 @@ TEST_F(StringCase, TextIsMappedInPlaceWhateverItsLength) {
 }
 
 TEST_F(StringCase, RestBehindHighUnitIsMappedToo) {
-    auto narrow = ExactText("AB\xC3\x84YZ\xFF");
+    auto narrow = ExactText<char>("AB\xC3\x84YZ\xFF");
     QXStrToLowerA(narrow.data());
     EXPECT_STREQ(narrow.data(), "ab\xC3\x84yz\xFF");
     QXStrToUpperA(narrow.data());
     EXPECT_STREQ(narrow.data(), "AB\xC3\x84YZ\xFF");
-    auto wide = ExactText(u"AB\xC4YZ\x416\xD800");
+    auto wide = ExactText<char16_t>(u"AB\xC4YZ\x416\xD800");
     QXStrToLowerW(wide.data());
     EXPECT_EQ(std::u16string(wide.data()), u"ab\xE4yz\x436\xD800");
     QXStrToUpperW(wide.data());
@@ -107,18 +107,15 @@ TEST_F(StringCase, RestBehindHighUnitIsMappedToo) {
 }
 
 TEST_F(StringCase, Utf16MembersMapTwiceTheLength) {
-    auto text = ExactUnits(std::u16string_view(u"ABC\0DEFG", 8));
+    auto text = ExactUnits(std::u16string(u"ABC\0DEFG", 8));
     EXPECT_EQ(QXStrToLowerUTF16(text.data()), text.data());
     EXPECT_EQ(std::u16string(text.begin(), text.end()), std::u16string(u"abc\0deFG", 8));
     EXPECT_EQ(QXStrToUpperUTF16(text.data()), text.data());
     EXPECT_EQ(std::u16string(text.begin(), text.end()), std::u16string(u"ABC\0DEFG", 8));
-    auto sharp =
-        ExactUnits(std::u16string_view(u"\xDF"
-                                       u"a\0bc",
-                                       5));
+    auto sharp = ExactUnits(std::u16string(u"\u00DFa\0bc", 5));
     QXStrToUpperUTF16(sharp.data());
     EXPECT_EQ(std::u16string(sharp.begin(), sharp.end()), std::u16string(u"SSA\0c", 5));
-    auto empty = ExactText(u"");
+    auto empty = ExactText<char16_t>(u"");
     EXPECT_EQ(QXStrToLowerUTF16(empty.data()), empty.data());
 }
 

@@ -31,10 +31,10 @@ TEST(StringSearch, UnitsAreFoundFromBothEnds) {
                              {longText, 'a', 0, 100},
                              {longText, '\0', 101, 101}}) {
         SCOPED_TRACE(each.text + " " + each.unit);
-        const auto narrow = ExactText(std::string_view(each.text));
+        const auto narrow = ExactText<char>(each.text);
         EXPECT_EQ(Place(QXStrChrA(narrow.data(), each.unit), narrow), each.first);
         EXPECT_EQ(Place(QXStrRChrA(narrow.data(), each.unit), narrow), each.last);
-        const auto wide = ExactText(std::u16string_view(Widen(each.text)));
+        const auto wide = ExactText(Widen(each.text));
         const auto unit = static_cast<char16_t>(each.unit);
         EXPECT_EQ(Place(QXStrChrW(wide.data(), unit), wide), each.first);
         EXPECT_EQ(Place(QXStrRChrW(wide.data(), unit), wide), each.last);
@@ -43,18 +43,14 @@ TEST(StringSearch, UnitsAreFoundFromBothEnds) {
         EXPECT_EQ(Place(QXStrChrUTF16(wide.data(), unit), wide), each.first);
         EXPECT_EQ(Place(QXStrRChrUTF16(wide.data(), unit), wide), each.last);
     }
-    const auto high = ExactText("a\xE9");
+    const auto high = ExactText<char>("a\xE9");
     EXPECT_EQ(Place(QXStrChrA(high.data(), '\xE9'), high), 1);
-    const auto wide = ExactText(
-        u"\x3041"
-        u"A");
+    const auto wide = ExactText<char16_t>(u"\u3041A");
     EXPECT_EQ(Place(QXStrChrW(wide.data(), u'A'), wide), 1);
 }
 
 TEST(StringSearch, SurrogatePairsAreWholeForUtf16MembersAlone) {
-    const auto text = ExactText(
-        u"a\xD83D\xDE00"
-        u"b\xDE00\xD83D\xDE00");
+    const auto text = ExactText<char16_t>(u"a\xD83D\xDE00\x0062\xDE00\xD83D\xDE00");
     EXPECT_EQ(Place(QXStrChrW(text.data(), 0xDE00), text), 2);
     EXPECT_EQ(Place(QXStrRChrW(text.data(), 0xDE00), text), 6);
     EXPECT_EQ(Place(QXStrChrUCS2(text.data(), 0xDE00), text), 4);
@@ -86,11 +82,11 @@ TEST(StringSearch, TextIsFoundInText) {
                              {"ab", "b\x01", kNowhere},
                              {"0123456789012345678901234567890123456789x", "9x", 39}}) {
         SCOPED_TRACE(std::string(each.text) + " " + each.sought);
-        const auto narrow = ExactText(each.text);
-        EXPECT_EQ(Place(QXStrStrA(narrow.data(), ExactText(each.sought).data()), narrow),
+        const auto narrow = ExactText<char>(each.text);
+        EXPECT_EQ(Place(QXStrStrA(narrow.data(), ExactText<char>(each.sought).data()), narrow),
                   each.place);
-        const auto wide = ExactText(std::u16string_view(Widen(each.text)));
-        const auto sought = ExactText(std::u16string_view(Widen(each.sought)));
+        const auto wide = ExactText(Widen(each.text));
+        const auto sought = ExactText(Widen(each.sought));
         EXPECT_EQ(Place(QXStrStrW(wide.data(), sought.data()), wide), each.place);
         EXPECT_EQ(Place(QXStrStrUTF16(wide.data(), sought.data()), wide), each.place);
     }
@@ -122,20 +118,19 @@ TEST(StringTokens, RunsOfDelimitersGiveNoEmptyTokens) {
                              {"a;b ,c", ", ;", {"a", "b", "c"}},
                              {"a b", "", {"a b"}},
                              {"\xE9,\xE9", "\xE9", {","}}}) {
-        EXPECT_EQ(Tokens(ExactText(each.text), each.delimiters, QXStrTokA), each.tokens);
+        EXPECT_EQ(Tokens(ExactText<char>(each.text), each.delimiters, QXStrTokA), each.tokens);
         std::vector<std::u16string> wideTokens;
         for (const std::string& token : each.tokens) {
             wideTokens.push_back(Widen(token));
         }
         const std::u16string wideDelimiters = Widen(each.delimiters);
-        EXPECT_EQ(Tokens(ExactText(std::u16string_view(Widen(each.text))), wideDelimiters.c_str(),
-                         QXStrTokW),
+        EXPECT_EQ(Tokens(ExactText(Widen(each.text)), wideDelimiters.c_str(), QXStrTokW),
                   wideTokens);
     }
 }
 
 TEST(StringTokens, CursorStandsBehindTheOverwrittenDelimiter) {
-    auto text = ExactText("ab,,c");
+    auto text = ExactText<char>("ab,,c");
     char* cursor = text.data();
     EXPECT_EQ(QXStrTokA(&cursor, ","), text.data());
     EXPECT_EQ(cursor, text.data() + 3);
