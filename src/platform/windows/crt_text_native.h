@@ -1,0 +1,149 @@
+#ifndef QX_PLATFORM_WINDOWS_CRT_TEXT_NATIVE_H
+#define QX_PLATFORM_WINDOWS_CRT_TEXT_NATIVE_H
+
+#include <cctype>
+#include <cstdlib>
+#include <cstring>
+#include <cwchar>
+#include <cwctype>
+
+#include "platform/types.h"
+#include "platform/windows/system_headers.h"
+
+namespace platform {
+
+inline char16_t* FromNative(WCHAR* text) noexcept {
+    return reinterpret_cast<char16_t*>(text);
+}
+
+inline WCHAR** NativeEnd(char16_t** end) noexcept {
+    return reinterpret_cast<WCHAR**>(end);
+}
+
+inline int _stricmp(const char* first, const char* second) noexcept {
+    return ::_stricmp(first, second);
+}
+
+inline int _strnicmp(const char* first, const char* second, std::size_t count) noexcept {
+    return ::_strnicmp(first, second, count);
+}
+
+inline int _wcsicmp(const char16_t* first, const char16_t* second) noexcept {
+    return ::_wcsicmp(Native(first), Native(second));
+}
+
+inline int _wcsnicmp(const char16_t* first, const char16_t* second, std::size_t count) noexcept {
+    return ::_wcsnicmp(Native(first), Native(second), count);
+}
+
+inline char* _strlwr(char* text) noexcept {
+    return ::_strlwr(text);
+}
+
+inline char* _strupr(char* text) noexcept {
+    return ::_strupr(text);
+}
+
+inline char16_t* _wcslwr(char16_t* text) noexcept {
+    return FromNative(::_wcslwr(Native(text)));
+}
+
+inline char16_t* _wcsupr(char16_t* text) noexcept {
+    return FromNative(::_wcsupr(Native(text)));
+}
+
+inline int tolower(int unit) noexcept {
+    return ::tolower(unit);
+}
+
+inline int toupper(int unit) noexcept {
+    return ::toupper(unit);
+}
+
+inline int isalpha(int unit) noexcept {
+    return ::isalpha(unit);
+}
+
+inline int isdigit(int unit) noexcept {
+    return ::isdigit(unit);
+}
+
+inline int isspace(int unit) noexcept {
+    return ::isspace(unit);
+}
+
+inline char16_t towlower(char16_t unit) noexcept {
+    return ::towlower(unit);
+}
+
+inline char16_t towupper(char16_t unit) noexcept {
+    return ::towupper(unit);
+}
+
+inline int iswalpha(char16_t unit) noexcept {
+    return ::iswalpha(unit);
+}
+
+inline int iswdigit(char16_t unit) noexcept {
+    return ::iswdigit(unit);
+}
+
+inline int iswspace(char16_t unit) noexcept {
+    return ::iswspace(unit);
+}
+
+inline int atoi(const char* text) noexcept {
+    return ::atoi(text);
+}
+
+inline int _wtoi(const char16_t* text) noexcept {
+    return ::_wtoi(Native(text));
+}
+
+inline i64 _wtoi64(const char16_t* text) noexcept {
+    return ::_wtoi64(Native(text));
+}
+
+inline i32 strtol(const char* text, char** end, int radix) noexcept {
+    return ::strtol(text, end, radix);
+}
+
+inline u32 strtoul(const char* text, char** end, int radix) noexcept {
+    return ::strtoul(text, end, radix);
+}
+
+inline i32 wcstol(const char16_t* text, char16_t** end, int radix) noexcept {
+    return ::wcstol(Native(text), NativeEnd(end), radix);
+}
+
+inline u32 wcstoul(const char16_t* text, char16_t** end, int radix) noexcept {
+    return ::wcstoul(Native(text), NativeEnd(end), radix);
+}
+
+inline i64 wcstoll(const char16_t* text, char16_t** end, int radix) noexcept {
+    return ::_wcstoi64(Native(text), NativeEnd(end), radix);
+}
+
+inline double wcstod(const char16_t* text, char16_t** end) noexcept {
+    return ::wcstod(Native(text), NativeEnd(end));
+}
+
+inline char* _ltoa(i32 value, char* buffer, int radix) noexcept {
+    return ::_ltoa(value, buffer, radix);
+}
+
+inline char16_t* _ltow(i32 value, char16_t* buffer, int radix) noexcept {
+    return FromNative(::_ltow(value, Native(buffer), radix));
+}
+
+inline char* _i64toa(i64 value, char* buffer, int radix) noexcept {
+    return ::_i64toa(value, buffer, radix);
+}
+
+inline char16_t* _i64tow(i64 value, char16_t* buffer, int radix) noexcept {
+    return FromNative(::_i64tow(value, Native(buffer), radix));
+}
+
+}  // namespace platform
+
+#endif

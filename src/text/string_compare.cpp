@@ -1,0 +1,112 @@
+// Comparison.
+#include <qxcore/string.h>
+#include <unicode/stringoptions.h>
+#include <unicode/ustring.h>
+
+#include <cstring>
+
+#include "platform/crt_text.h"
+#include "platform/types.h"
+#include "text/unit_scan.h"
+
+namespace {
+
+constexpr u32 kCodePointOrder = U_COMPARE_CODE_POINT_ORDER;
+
+// The argument of QXStrNICmpUTF16 has never counted; callers rely on three units.
+constexpr i32 kUnitsOfNICmpUTF16 = 3;
+
+i32 SignOf(i32 difference) {
+    return (difference > 0) - (difference < 0);
+}
+
+i32 DifferenceAt(const char16_t* first, const char16_t* second, std::size_t index) {
+    return first[index] - second[index];
+}
+
+i32 Difference(const char16_t* first, const char16_t* second) {
+    return DifferenceAt(first, second, unit_scan::FindDifference(first, second));
+}
+
+bool IsAscii(char unit) {
+    return static_cast<u8>(unit) < 0x80;
+}
+
+// The difference of the units as upper case in ASCII; the rest of the texts goes to the other
+// function, which maps to lower case, as soon as one of the units is not ASCII.
+template <typename Rest>
+i32 UpperDifference(const char* first, const char* second, std::size_t index, Rest compareRest) {
+    if (IsAscii(first[index]) && IsAscii(second[index])) {
+        return platform::toupper(first[index]) - platform::toupper(second[index]);
+    }
+    return compareRest(first + index, second + index);
+}
+
+}  // namespace
+
+int32_t QXStrCmpA(const char* first, const char* second) {
+    return SignOf(std::strcmp(first, second));
+}
+
+int32_t QXStrCmpW(const wchar* first, const wchar* second) {
+    return SignOf(Difference(first, second));
+}
+
+int32_t QXStrCmpUCS2(const wchar* first, const wchar* second) {
+    return Difference(first, second);
+}
+
+int32_t QXStrCmpUTF16(const wchar* first, const wchar* second) {
+    return u_strcmpCodePointOrder(first, second);
+}
+
+int32_t QXStrICmpA(const char* first, const char* second) {
+    const std::size_t index = unit_scan::FindUpperDifference(first, second);
+    return UpperDifference(first, second, index, platform::_stricmp);
+}
+
+int32_t QXStrICmpW(const wchar* first, const wchar* second) {
+    return platform::_wcsicmp(first, second);
+}
+
+int32_t QXStrICmpUCS2(const wchar* first, const wchar* second) {
+    const std::size_t index = unit_scan::FindLowerDifference(first, second);
+    const auto fold = unit_scan::FoldAscii<char16_t, 'A'>();
+    return fold(static_cast<u16>(first[index])) - fold(static_cast<u16>(second[index]));
+}
+
+int32_t QXStrICmpUTF16(const wchar* first, const wchar* second) {
+    return u_strcasecmp(first, second, kCodePointOrder);
+}
+
+int32_t QXStrNCmpA(const char* first, const char* second, size_t count) {
+    return std::strncmp(first, second, count);
+}
+
+int32_t QXStrNCmpW(const wchar* first, const wchar* second, size_t count) {
+    const std::size_t index = unit_scan::FindDifference(first, second, count);
+    return index < count ? DifferenceAt(first, second, index) : 0;
+}
+
+int32_t QXStrNCmpUTF16(const wchar* first, const wchar* second, size_t count) {
+    return u_strncmpCodePointOrder(first, second, static_cast<i32>(count));
+}
+
+int32_t QXStrNICmpA(const char* first, const char* second, size_t count) {
+    const std::size_t index = unit_scan::FindUpperDifference(first, second, count);
+    if (index == count) {
+        return 0;
+    }
+    const auto compareRest = [=](const char* restOfFirst, const char* restOfSecond) {
+        return platform::_strnicmp(restOfFirst, restOfSecond, count - index);
+    };
+    return UpperDifference(first, second, index, compareRest);
+}
+
+int32_t QXStrNICmpW(const wchar* first, const wchar* second, size_t count) {
+    return platform::_wcsnicmp(first, second, count);
+}
+
+int32_t QXStrNICmpUTF16(const wchar* first, const wchar* second, size_t) {
+    return u_strncasecmp(first, second, kUnitsOfNICmpUTF16, kCodePointOrder);
+}

@@ -1,0 +1,137 @@
+// Searches and comparisons of text, many units at a time where the processor can.
+//
+// Wide text stands at even addresses. An index counts units.
+#ifndef QX_TEXT_UNIT_SCAN_H
+#define QX_TEXT_UNIT_SCAN_H
+
+#include <atomic>
+#include <cstdint>
+#include <type_traits>
+
+#include "platform/types.h"
+
+// Blocks take bytes along that lie around a text, so the sanitizers get loops over single units.
+#if defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#define QX_SCAN_BLOCKS
+#endif
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#undef QX_SCAN_BLOCKS
+#endif
+#endif
+
+namespace unit_scan {
+
+constexpr std::size_t kUnlimited = SIZE_MAX;
+
+// Units take part in comparisons as unsigned numbers.
+template <typename Unit>
+using Plain = std::conditional_t<sizeof(Unit) == 1, u8, u16>;
+
+// Maps a range of ASCII letters, of which kFrom is the first, to the other case. The value is one
+// unit or, in the loops behind this header, a block of units.
+template <typename Unit, char kFrom>
+struct FoldAscii {
+    template <typename Value>
+    Value operator()(Value value) const {
+        return static_cast<Value>(value ^ CaseBitIfLetter(value));
+    }
+
+    // The bit in which the cases differ, or 0 for what is no letter of the range.
+    template <typename Value>
+    static Value CaseBitIfLetter(Value value) {
+        constexpr Plain<Unit> kFirst = kFrom;
+        constexpr Plain<Unit> kCount = 26;
+        return CaseBitIf<Value>(static_cast<Value>(value - kFirst) < Value{} + kCount);
+    }
+
+  private:
+    template <typename Value>
+    static Value CaseBitIf(bool isLetter) {
+        return isLetter ? 0x20 : 0;
+    }
+
+    template <typename Value, typename Lanes>
+    static Value CaseBitIf(Lanes isLetter) {
+        constexpr Plain<Unit> kCaseBit = 0x20;
+        return (Value)isLetter & kCaseBit;
+    }
+};
+
+struct Loops {
+    std::size_t (*findEnd)(const char16_t* text);
+    std::size_t (*findEndWithin)(const char16_t* text, std::size_t limit);
+    std::size_t (*findUnitOrEnd)(const char16_t* text, char16_t unit);
+    const char16_t* (*findLast)(const char16_t* text, char16_t unit);
+    std::size_t (*findNotAsciiNarrow)(const char* text);
+    std::size_t (*findNotAsciiWide)(const char16_t* text);
+    std::size_t (*findDifference)(const char16_t* first, const char16_t* second, std::size_t limit);
+    std::size_t (*findLowerDifference)(const char16_t* first, const char16_t* second);
+    std::size_t (*findUpperDifference)(const char* first, const char* second, std::size_t limit);
+};
+
+extern const Loops kUnitLoops;
+#ifdef QX_SCAN_BLOCKS
+extern const Loops kSse2Loops;
+extern const Loops kAvx2Loops;
+#endif
+
+// Null until somebody asked.
+extern std::atomic<const Loops*> s_bestLoops;
+const Loops& ChooseLoops();
+
+// The best for this processor.
+inline const Loops& BestLoops() {
+    const Loops* const best = s_bestLoops.load(std::memory_order_relaxed);
+    return best != nullptr ? *best : ChooseLoops();
+}
+
+// The index of the terminator.
+inline std::size_t FindEnd(const char16_t* text) {
+    return BestLoops().findEnd(text);
+}
+
+// The same, or the limit. Reads nothing with a limit of 0.
+inline std::size_t FindEnd(const char16_t* text, std::size_t limit) {
+    return BestLoops().findEndWithin(text, limit);
+}
+
+inline std::size_t FindUnitOrEnd(const char16_t* text, char16_t unit) {
+    return BestLoops().findUnitOrEnd(text, unit);
+}
+
+// The last place of a unit in a text, the terminator included, or null.
+inline const char16_t* FindLast(const char16_t* text, char16_t unit) {
+    return BestLoops().findLast(text, unit);
+}
+
+// The index of the terminator or of the first unit from 0x80 up.
+inline std::size_t FindNotAscii(const char* text) {
+    return BestLoops().findNotAsciiNarrow(text);
+}
+
+inline std::size_t FindNotAscii(const char16_t* text) {
+    return BestLoops().findNotAsciiWide(text);
+}
+
+// The index of the first units that differ, or of both terminators, or the limit.
+inline std::size_t FindDifference(const char16_t* first, const char16_t* second,
+                                  std::size_t limit = kUnlimited) {
+    return BestLoops().findDifference(first, second, limit);
+}
+
+// The same for texts of which A to Z are mapped to lower case.
+inline std::size_t FindLowerDifference(const char16_t* first, const char16_t* second) {
+    return BestLoops().findLowerDifference(first, second);
+}
+
+// The same for texts of which a to z are mapped to upper case, or the index of the first units of
+// which one is from 0x80 up, if that comes first.
+inline std::size_t FindUpperDifference(const char* first, const char* second,
+                                       std::size_t limit = kUnlimited) {
+    return BestLoops().findUpperDifference(first, second, limit);
+}
+
+}  // namespace unit_scan
+
+#endif
