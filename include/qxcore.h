@@ -11,8 +11,10 @@
 #include <qxcore/base.h>
 #include <qxcore/bytes.h>
 #include <qxcore/component.h>
+#include <qxcore/converter.h>
 #include <qxcore/debug.h>
 #include <qxcore/guid.h>
+#include <qxcore/locale.h>
 #include <qxcore/memory.h>
 #include <qxcore/module.h>
 #include <qxcore/mutex.h>

@@ -1,21 +1,16 @@
 #include <qxcore/transform.h>
 
+#include <cstring>
+
 #include "platform/multibyte.h"
+#include "platform/utf_run.h"
+#include "text/unit_scan.h"
 
 namespace {
 
-bool IsAscii(char byte) {
-    return static_cast<unsigned char>(byte) < 0x80;
-}
-
 size_t LengthInUnits(const char* source) {
-    size_t count = 0;
-    for (; IsAscii(source[count]); ++count) {
-        if (source[count] == '\0') {
-            return count;
-        }
-    }
-    return count + platform::mbstowcs(nullptr, source + count, 0);
+    const size_t ascii = unit_scan::FindNotAscii(source);
+    return source[ascii] != 0 ? ascii + platform::mbstowcs(nullptr, source + ascii, 0) : ascii;
 }
 
 }  // namespace
@@ -25,14 +20,17 @@ size_t QXAnsiToUnicode(wchar* target, const char* source, size_t limit) {
     if (target == nullptr) {
         return LengthInUnits(source);
     }
-    for (size_t count = 0; count < limit; ++count) {
-        if (!IsAscii(source[count])) {
-            return count + platform::mbstowcs(target + count, source + count, limit - count);
-        }
-        target[count] = static_cast<wchar>(source[count]);
-        if (source[count] == '\0') {
-            return count;
-        }
+    const size_t length = strnlen(source, limit);
+    const size_t ascii = platform::ConvertAsciiRun(source, length, target);
+    if (ascii < length) {
+        return ascii + platform::mbstowcs(target + ascii, source + ascii, limit - ascii);
     }
-    return limit;
+    if (length < limit) {
+        target[length] = 0;
+    }
+    return length;
+}
+
+size_t QXUnicodeToAnsi(char* target, const wchar* source, size_t limit) {
+    return platform::wcstombs(target, source, limit);
 }

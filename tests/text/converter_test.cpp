@@ -1,0 +1,409 @@
+#include <gtest/gtest.h>
+#include <qxcore/converter.h>
+#include <unicode/uclean.h>
+#include <unicode/ucnv.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <memory>
+#include <new>
+#include <string>
+
+#include "support/allocation_fault.h"
+#include "support/exact_block.h"
+
+namespace {
+
+struct Closer {
+    void operator()(QXEncConverter* converter) const { QXEncToW_Close(converter); }
+};
+using Converter = std::unique_ptr<QXEncConverter, Closer>;
+
+Converter Open(const char16_t* name) {
+    return Converter(QXEncToW_Open(name));
+}
+
+struct Wide {
+    QXResult result;
+    std::u16string text;
+    size_t read;
+};
+
+// The whole text through Convert and Flush; the first failure ends it.
+Wide ToWide(QXEncConverter* converter, std::string_view bytes) {
+    ExactBlock<char> block(bytes);
+    const char* source = block.Begin();
+    std::u16string text(2 * bytes.size() + 2, u'#');
+    char16_t* target = text.data();
+    char16_t* const limit = target + text.size();
+    QXResult result = QXEncToW_Convert(converter, &source, block.End(), &target, limit);
+    if (QX_SUCCEEDED(result)) {
+        result = QXEncToW_Flush(converter, &target, limit);
+    }
+    text.resize(static_cast<size_t>(target - text.data()));
+    return {result, text, static_cast<size_t>(source - block.Begin())};
+}
+
+struct Narrow {
+    QXResult result;
+    std::string bytes;
+};
+
+Narrow FromWide(QXEncConverter* converter, std::u16string_view text) {
+    ExactBlock<char16_t> block(text);
+    const char16_t* source = block.Begin();
+    std::string bytes(8 * text.size() + 8, '#');
+    char* target = bytes.data();
+    char* const limit = target + bytes.size();
+    QXResult result = QXEncFromW_Convert(converter, &source, block.End(), &target, limit);
+    if (QX_SUCCEEDED(result)) {
+        result = QXEncFromW_Flush(converter, &target, limit);
+    }
+    bytes.resize(static_cast<size_t>(target - bytes.data()));
+    return {result, bytes};
+}
+
+TEST(Converter, IsChosenByNameAndFallsBackToLatin1) {
+    struct Row {
+        std::u16string name;
+        const char* bytes;
+        std::u16string text;
+    };
+    const Row kRows[] = {{u"UTF-8", "\xC3\xA9", u"\u00E9"},
+                         {u"CP1252", "\x80\xE9", u"\u20AC\u00E9"},
+                         {u"windows-1252", "\x80", u"\u20AC"},
+                         {u"SJIS", "\x93\xFA\xB1", u"\u65E5\uFF71"},
+                         {u"CP932", "\x93\xFA", u"\u65E5"},
+                         {u"no such encoding", "\x80\xE9", u"\u0080\u00E9"},
+                         {u"", "\xE9", ToWide(Open(u"").get(), "\xE9").text},
+                         {std::u16string(127, u'x'), "\x80\xE9", u"\u0080\u00E9"},
+                         {u"\u0155TF-8", "\xC3\xA9", u"\u00E9"},       // cut to "UTF-8"
+                         {u"UTF-8\u0100zzz", "\xC3\xA9", u"\u00E9"}};  // ends at the zero byte
+    testing::internal::CaptureStdout();
+    for (const Row& row : kRows) {
+        const Converter converter = Open(row.name.c_str());
+        EXPECT_EQ(row.text, ToWide(converter.get(), row.bytes).text) << row.bytes;
+        EXPECT_EQ(row.bytes, FromWide(converter.get(), row.text).bytes);
+    }
+    EXPECT_EQ("", testing::internal::GetCapturedStdout());
+    QXEncToW_Close(nullptr);
+    QXEncFromW_Close(nullptr);
+}
+
+TEST(Converter, WithoutANameWaitsForTheInitialisation) {
+    testing::internal::CaptureStdout();
+    const Converter none = Open(nullptr);
+    EXPECT_EQ("", testing::internal::GetCapturedStdout());
+    EXPECT_EQ(QX_E_NOCONVERTER, ToWide(none.get(), "a").result);
+    char16_t unit;
+    char16_t* target = &unit;
+    EXPECT_EQ(QX_E_NOCONVERTER, QXEncToW_Flush(none.get(), &target, &unit + 1));
+    for (const int32_t substitution : {0, -1, 0x3F}) {
+        EXPECT_EQ(QX_S_OK, QXEncToW_SetSubstitutionChar(none.get(), substitution));
+    }
+    EXPECT_EQ(ucnv_countAvailable(), QXEncUtilInit(""));
+    EXPECT_EQ(u"a", ToWide(Open(nullptr).get(), "a").text);
+    EXPECT_EQ(QX_E_NOCONVERTER, ToWide(none.get(), "a").result);
+}
+
+TEST(ConverterDeathTest, OnlyTheWayFromWideTextEndsTheProcess) {
+    const auto aborts = testing::KilledBySignal(SIGABRT);
+    EXPECT_EXIT(FromWide(Open(nullptr).get(), u"a"), aborts, "terminate");
+    EXPECT_EXIT(
+        {
+            char* target = nullptr;
+            QXEncFromW_Flush(Open(nullptr).get(), &target, target);
+        },
+        aborts, "terminate");
+    char byte = 'a';
+    size_t one = 1;
+    EXPECT_EXIT(QXEncConvert(&byte, &one, u"UTF-8", &byte, &one, nullptr, -1), aborts, "terminate");
+    EXPECT_EXIT(QXEncConvert(&byte, &one, nullptr, &byte, &one, nullptr, -1), aborts, "terminate");
+    size_t size = 1;
+    EXPECT_EQ(QX_E_NOCONVERTER, QXEncConvert(&byte, &one, nullptr, &byte, &size, u"UTF-8", -1));
+    EXPECT_EQ(0u, one);
+    EXPECT_EQ(0u, size);
+}
+
+bool s_icuHasMemory = true;
+
+void* IcuAllocate(const void*, size_t size) {
+    return s_icuHasMemory ? std::malloc(size) : nullptr;
+}
+void* IcuReallocate(const void*, void* block, size_t size) {
+    return s_icuHasMemory ? std::realloc(block, size) : nullptr;
+}
+void IcuFree(const void*, void* block) {
+    std::free(block);
+}
+
+TEST(Converter, TellsOnStandardOutputWhenNothingOpens) {
+    UErrorCode status = U_ZERO_ERROR;
+    u_setMemoryFunctions(nullptr, IcuAllocate, IcuReallocate, IcuFree, &status);
+    ASSERT_EQ(U_ZERO_ERROR, status);
+    QXEncUtilInit("");
+    s_icuHasMemory = false;
+    testing::internal::CaptureStdout();
+    const Converter named = Open(u"CP1252");
+    EXPECT_EQ("No converter for ISO-8859-1\nISO-8859-1: Could not open converter\n",
+              testing::internal::GetCapturedStdout());
+    testing::internal::CaptureStdout();
+    const Converter unnamed = Open(nullptr);
+    EXPECT_EQ("default: Could not open converter\n", testing::internal::GetCapturedStdout());
+    EXPECT_EQ(QX_E_NOCONVERTER, ToWide(named.get(), "a").result);
+    s_icuHasMemory = true;
+}
+
+TEST(Converter, PutsTheSubstituteForWhatItCannotHold) {
+    struct Row {
+        const char16_t* name;
+        int32_t substitution;
+        QXResult set;
+        std::string bytes;  // for a, a lone surrogate, b
+        QXResult result;
+    };
+    const Row kRows[] = {
+        {u"CP1252", 0x3F, QX_S_OK, "a?b", QX_S_OK},
+        {u"CP1252", 0x20AC, QX_S_OK,
+         "a\x80"
+         "b",
+         QX_S_OK},
+        {u"CP1252", 0, QX_E_ILLEGALCHAR,
+         "a\x1A"
+         "b",
+         QX_S_OK},
+        {u"CP1252", 0x10FFFF, QX_E_ILLEGALCHAR,
+         "a\x1A"
+         "b",
+         QX_S_OK},
+        {u"CP1252", INT32_MAX, QX_E_ILLEGALCHAR,
+         "a\x1A"
+         "b",
+         QX_S_OK},
+        {u"CP1252", -1, QX_S_OK, "a", QX_E_ILLEGALCHAR},
+        {u"CP1252", INT32_MIN, QX_S_OK, "a", QX_E_ILLEGALCHAR},
+        {u"UTF-8", 0, QX_S_OK,
+         "a\xEF\xBF\xBD"
+         "b",
+         QX_S_OK},
+        {u"UTF-8", 0xFFFF, QX_S_OK,
+         "a\xEF\xBF\xBF"
+         "b",
+         QX_S_OK},
+        {u"UTF-8", 0x10FFFE, QX_S_OK,
+         "a\xF4\x8F\xBF\xBE"
+         "b",
+         QX_S_OK},
+        {u"UTF-16BE", 0x10000, QX_S_OK, std::string("\0a\xD8\0\xDC\0\0b", 8), QX_S_OK},
+    };
+    const char16_t text[] = {u'a', 0xD83D, u'b', 0};
+    for (const Row& row : kRows) {
+        const Converter converter = Open(row.name);
+        EXPECT_EQ(row.set, QXEncFromW_SetSubstitutionChar(converter.get(), row.substitution));
+        const Narrow narrow = FromWide(converter.get(), text);
+        EXPECT_EQ(row.bytes, narrow.bytes) << row.substitution;
+        EXPECT_EQ(row.result, narrow.result);
+    }
+    const Converter stopped = Open(u"CP1252");
+    QXEncToW_SetSubstitutionChar(stopped.get(), -1);
+    EXPECT_EQ(QX_S_OK, QXEncToW_SetSubstitutionChar(stopped.get(), '?'));
+    EXPECT_EQ(QX_E_ILLEGALCHAR, FromWide(stopped.get(), text).result);
+}
+
+// "a", one character, "b": bytes in the encoding, with the length of the character.
+struct Sample {
+    const char16_t* name;
+    std::string bytes;
+    std::u16string text;
+};
+
+const Sample kSamples[] = {
+    {u"UTF-8",
+     "a\xF0\x9F\x98\x80"
+     "b",
+     u"a\U0001F600b"},
+    {u"UTF-8",
+     "a\xE6\x97\xA5"
+     "b",
+     u"a\u65E5b"},
+    {u"UTF-16LE",
+     std::string("a\0\x3D\xD8\0\xDE"
+                 "b\0",
+                 8),
+     u"a\U0001F600b"},
+    {u"UTF-32BE", std::string("\0\0\0a\0\1\xF6\0\0\0\0b", 12), u"a\U0001F600b"},
+    {u"SJIS",
+     "a\x93\xFA"
+     "b",
+     u"a\u65E5b"},
+    {u"EUC-JP",
+     "a\x8F\xB0\xA1"
+     "b",
+     u"a\u4E02b"},
+    {u"GB18030",
+     "a\x81\x30\x81\x30"
+     "b",
+     u"a\u0080b"},
+};
+
+TEST(Converter, TruncatedTextIsRefusedByTheFlush) {
+    for (const Sample& sample : kSamples) {
+        for (size_t cut = 0; cut <= sample.bytes.size(); ++cut) {
+            const Converter converter = Open(sample.name);
+            QXEncToW_SetSubstitutionChar(converter.get(), -1);
+            const Wide wide = ToWide(converter.get(), sample.bytes.substr(0, cut));
+            const bool isWhole = FromWide(converter.get(), wide.text).bytes.size() == cut;
+            EXPECT_EQ(isWhole ? QX_S_OK : QX_E_ILLEGALCHAR, wide.result) << cut;
+            EXPECT_EQ(cut, wide.read);
+            EXPECT_EQ(sample.text.substr(0, wide.text.size()), wide.text);
+            if (isWhole) {
+                // The flush has made it fit for a new text.
+                EXPECT_EQ(sample.text, ToWide(converter.get(), sample.bytes).text);
+            }
+        }
+    }
+}
+
+TEST(Converter, StreamsThroughEveryCutAndATargetOfEverySize) {
+    for (const Sample& sample : kSamples) {
+        const Converter converter = Open(sample.name);
+        for (size_t room = 1; room <= sample.text.size(); ++room) {
+            ExactBlock<char> source{std::string_view(sample.bytes)};
+            std::u16string text;
+            for (size_t cut = 0; cut <= sample.bytes.size(); ++cut) {
+                const char* const first = source.Begin() + cut;
+                const char* from = cut < sample.bytes.size() ? first : source.End();
+                const char* const limit = cut < sample.bytes.size() ? first + 1 : from;
+                for (QXResult result = QX_E_BUFFERTOOSMALL; result == QX_E_BUFFERTOOSMALL;) {
+                    ExactBlock<char16_t> target(room);
+                    char16_t* to = target.Begin();
+                    result =
+                        from < limit || cut < sample.bytes.size()
+                            ? QXEncToW_Convert(converter.get(), &from, limit, &to, target.End())
+                            : QXEncToW_Flush(converter.get(), &to, target.End());
+                    EXPECT_GE(result, result == QX_E_BUFFERTOOSMALL ? result : QX_S_OK);
+                    text.append(target.Begin(), to);
+                }
+            }
+            EXPECT_EQ(sample.text, text) << room;
+        }
+    }
+}
+
+struct OneShot {
+    QXResult result;
+    size_t read;
+    size_t written;
+    std::string target;  // the whole of it
+};
+
+OneShot Convert(const std::string& source, const char16_t* from, size_t capacity,
+                const char16_t* to, int32_t substitution) {
+    ExactBlock<char> block{std::string_view(source)};
+    ExactBlock<char> target(capacity);
+    size_t read = source.size();
+    size_t written = capacity;
+    const QXResult result =
+        QXEncConvert(block.Begin(), &read, from, target.Begin(), &written, to, substitution);
+    return {result, read, written, target.Content()};
+}
+
+TEST(OneShot, FillsEveryCapacityAndAddsNoTerminator) {
+    for (const Sample& from : kSamples) {
+        for (const Sample& to : kSamples) {
+            if (from.text != to.text) {
+                continue;
+            }
+            for (size_t capacity = 0; capacity <= to.bytes.size() + 1; ++capacity) {
+                const OneShot shot = Convert(from.bytes, from.name, capacity, to.name, -1);
+                const bool fits = capacity >= to.bytes.size();
+                EXPECT_EQ(fits ? QX_S_OK : QX_E_BUFFERTOOSMALL, shot.result);
+                EXPECT_EQ(from.bytes.size(), shot.read);
+                EXPECT_EQ(std::min(capacity, to.bytes.size()), shot.written);
+                EXPECT_EQ((to.bytes + ExactBlock<char>::kUntouched).substr(0, capacity),
+                          shot.target);
+            }
+        }
+    }
+}
+
+// Passes of 1024 units: text of which a pair lies across their border.
+TEST(OneShot, HasNoSeamBetweenItsPasses) {
+    for (const size_t ahead : {1021, 1022, 1023, 1024, 2047, 5000}) {
+        std::string source(ahead, 'x');
+        std::string expected;
+        for (int count = 0; count < 600; ++count) {
+            source += "\xF0\x9F\x98\x80\xC3\xA4";
+        }
+        UErrorCode status = U_ZERO_ERROR;
+        expected.resize(8 * source.size());
+        expected.resize(static_cast<size_t>(
+            ucnv_convert("GB18030", "UTF-8", expected.data(), static_cast<int32_t>(expected.size()),
+                         source.data(), static_cast<int32_t>(source.size()), &status)));
+        const OneShot shot = Convert(source, u"UTF-8", expected.size(), u"GB18030", -1);
+        EXPECT_EQ(QX_S_OK, shot.result);
+        EXPECT_EQ(expected, shot.target);
+        EXPECT_EQ(source.size(), shot.read);
+    }
+}
+
+TEST(OneShot, TellsHowFarAFailureCame) {
+    struct Row {
+        std::string source;
+        const char16_t* from;
+        size_t capacity;
+        const char16_t* to;
+        int32_t substitution;
+        QXResult result;
+        size_t read;
+        size_t written;
+    };
+    const std::string longText(3000, 'x');
+    const Row kRows[] = {
+        {"", u"UTF-8", 9, u"SJIS", '?', QX_S_OK, 0, 0},
+        {"ab\xFFz", u"UTF-8", 9, u"SJIS", -1, QX_E_ILLEGALCHAR, 3, 2},
+        {"ab\xE6\x97", u"UTF-8", 9, u"SJIS", -1, QX_E_ILLEGALCHAR, 4, 2},
+        {"ab\xE6\x97", u"UTF-8", 9, u"SJIS", '?', QX_S_OK, 4, 3},
+        {"ab\xF0\x9F\x98\x80z", u"UTF-8", 9, u"SJIS", -1, QX_E_ILLEGALCHAR, 7, 2},
+        {"ab\xF0\x9F\x98\x80z", u"UTF-8", 9, u"SJIS", '?', QX_S_OK, 7, 4},
+        {"abc", u"UTF-8", 9, u"SJIS", 0, QX_E_ILLEGALCHAR, 3, 9},
+        {"abc", u"SJIS", 9, u"UTF-8", 0, QX_E_ILLEGALCHAR, 3, 9},
+        {"abc", u"UTF-8", 9, u"SJIS", 0x10FFFF, QX_E_ILLEGALCHAR, 3, 9},
+        {"abc", u"UTF-8", 9, u"UTF-16LE", 0, QX_S_OK, 3, 6},
+        {longText, u"UTF-8", 10, u"SJIS", '?', QX_E_BUFFERTOOSMALL, 1024, 10},
+        {longText, u"UTF-8", 2000, u"SJIS", '?', QX_E_BUFFERTOOSMALL, 2048, 2000},
+        {longText, u"UTF-8", 2999, u"SJIS", '?', QX_E_BUFFERTOOSMALL, 3000, 2999},
+    };
+    for (const Row& row : kRows) {
+        const OneShot shot = Convert(row.source, row.from, row.capacity, row.to, row.substitution);
+        EXPECT_EQ(row.result, shot.result) << row.source << row.substitution;
+        EXPECT_EQ(row.read, shot.read);
+        EXPECT_EQ(row.written, shot.written);
+    }
+    size_t none[] = {0, 0};
+    EXPECT_EQ(QX_S_OK, QXEncConvert(nullptr, none, u"SJIS", nullptr, none + 1, u"UTF-8", '?'));
+}
+
+// The open functions let the allocator's exception out.
+TEST(Converter, FailingAllocationLeavesAsAnException) {
+    size_t size = 1;
+    char byte = 'a';
+    EXPECT_EQ(2, ForEachFailingAllocation([] {
+                  try {
+                      Open(u"windows-1252");
+                      return true;
+                  } catch (const std::bad_alloc&) {
+                      return false;
+                  }
+              }));
+    EXPECT_EQ(2, ForEachFailingAllocation([&] {
+                  try {
+                      QXEncConvert(&byte, &size, u"windows-1252", &byte, &size, u"ISO-8859-1", '?');
+                      return true;
+                  } catch (const std::bad_alloc&) {
+                      return false;
+                  }
+              }));
+}
+
+}  // namespace

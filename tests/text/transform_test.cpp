@@ -1,0 +1,413 @@
+#include <gtest/gtest.h>
+#include <qxcore/transform.h>
+#include <unicode/ustring.h>
+
+#include <cstring>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "support/allocation_fault.h"
+#include "support/exact_block.h"
+
+namespace {
+
+QXResult ResultOf(UErrorCode status) {
+    switch (status) {
+        case U_INVALID_CHAR_FOUND:
+        case U_TRUNCATED_CHAR_FOUND:
+        case U_ILLEGAL_CHAR_FOUND:
+            return QX_E_ILLEGALCHAR;
+        case U_BUFFER_OVERFLOW_ERROR:
+            return QX_E_BUFFERTOOSMALL;
+        default:
+            return status > 0 ? QX_E_FAIL : QX_S_OK;
+    }
+}
+
+// One direction: the members, and the function of ICU whose results they have.
+struct ToWide {
+    using Source = char;
+    using Target = char16_t;
+    static constexpr auto kFull = QXEncUTF8ToUTF16;
+    static constexpr auto kForwarding = QXUTF8ToW;
+    static constexpr auto kShort = QXUTF8ToUTF16;
+    static constexpr auto kCounted = QXUTF8ToUTF16N;
+    static constexpr auto kIcu = u_strFromUTF8WithSub;
+
+    static std::vector<std::string> Fragments() {
+        return {"",
+                "a",
+                "\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80",
+                "\xED\x9F\xBF\xEE\x80\x80\xEF\xBF\xBF",
+                "\xF0\x90\x80\x80\xF4\x8F\xBF\xBF",
+                "\xE8\x89\xB2\xE3\x81\xAF\xE5\x8C\x82\xE3\x81\xB8 \xF0\x9F\x98\x80z",
+                "\x80",
+                "\xBF\xBF",
+                "\xC0\x80",
+                "\xC1\xBF",
+                "\xC3",
+                "\xC3(",
+                "\xE0\x9F\xBF",
+                "\xE3\x81",
+                "\xE3(\x81",
+                "\xED\xA0\x80",
+                "\xED\xBF\xBF",
+                "\xF0\x8F\xBF\xBF",
+                "\xF0\x9F\x98",
+                "\xF0\x9F(",
+                "\xF4\x90\x80\x80",
+                "\xF5\x80\x80\x80",
+                "\xF8\x88\x80\x80\x80",
+                "\xFE\xFF"};
+    }
+};
+
+struct ToNarrow {
+    using Source = char16_t;
+    using Target = char;
+    static constexpr auto kFull = QXEncUTF16ToUTF8;
+    static constexpr auto kForwarding = QXWToUTF8;
+    static constexpr auto kShort = QXUTF16ToUTF8;
+    static constexpr auto kCounted = QXUTF16ToUTF8N;
+    static constexpr auto kIcu = u_strToUTF8WithSub;
+
+    static std::vector<std::u16string> Fragments() {
+        return {u"",
+                u"a",
+                u"\x7F\x80\x7FF\x800\xFFFF",
+                u"\xD7FF\xE000",
+                {0xD800, 0xDC00, 0xDBFF, 0xDFFF},
+                u"\u8272\u306F\u5302\u3078 \U0001F600z",
+                {0xD83D},
+                {0xD83D, u'a'},
+                {0xDE00},
+                {0xDE00, 0xD83D},
+                {0xD83D, 0xD83D, 0xDE00}};
+    }
+};
+
+template <typename Form>
+class Transform : public ::testing::Test {};
+using Forms = ::testing::Types<ToWide, ToNarrow>;
+TYPED_TEST_SUITE(Transform, Forms);
+
+// All that a call shows: result or status, length, and every unit of the target.
+template <typename Target>
+using Seen = std::tuple<QXResult, int64_t, std::basic_string<Target>>;
+
+template <typename Form>
+struct Case {
+    std::basic_string<typename Form::Source> text;
+    int32_t length;
+    size_t capacity;
+    int32_t substitution;
+
+    auto Source() const {
+        const size_t units = length >= 0 ? text.size() : text.size() + 1;
+        return ExactBlock<typename Form::Source>({text.c_str(), units});
+    }
+
+    Seen<typename Form::Target> Icu(int64_t presetLength) const {
+        auto source = Source();
+        ExactBlock<typename Form::Target> target(capacity);
+        UErrorCode status = U_ZERO_ERROR;
+        auto produced = static_cast<int32_t>(presetLength);
+        Form::kIcu(target.Begin(), static_cast<int32_t>(capacity), &produced, source.Begin(),
+                   length, substitution, nullptr, &status);
+        return {ResultOf(status), produced, target.Content()};
+    }
+
+    template <typename Call>
+    Seen<typename Form::Target> Full(Call call) const {
+        auto source = Source();
+        ExactBlock<typename Form::Target> target(capacity);
+        size_t produced = 7;
+        const QXResult result =
+            call(target.Begin(), capacity, &produced, source.Begin(), length, substitution);
+        return {result, static_cast<int64_t>(produced), target.Content()};
+    }
+
+    // The members without a result are compared by what they leave.
+    Seen<typename Form::Target> Short() const {
+        auto source = Source();
+        ExactBlock<typename Form::Target> target(capacity);
+        const int64_t produced =
+            Form::kShort(target.Begin(), source.Begin(), static_cast<int32_t>(capacity));
+        return {std::get<0>(Icu(0)), produced, target.Content()};
+    }
+
+    Seen<typename Form::Target> Counted() const {
+        auto source = Source();
+        ExactBlock<typename Form::Target> target(capacity);
+        int32_t produced = 7;
+        auto* const returned = Form::kCounted(target.Begin(), static_cast<int32_t>(capacity),
+                                              &produced, source.Begin(), length);
+        const QXResult result = std::get<0>(Icu(0));
+        const bool isNull = result == QX_E_ILLEGALCHAR || result == QX_E_FAIL;
+        EXPECT_EQ(isNull ? nullptr : target.Begin(), returned);
+        return {result, produced, target.Content()};
+    }
+
+    void Check() const {
+        SCOPED_TRACE(::testing::Message()
+                     << ::testing::PrintToString(text) << " length " << length << " capacity "
+                     << capacity << " substitution " << substitution);
+        ASSERT_EQ(Icu(0), Full(Form::kFull));
+        ASSERT_EQ(Icu(0), Full(Form::kForwarding));
+        if (substitution == -1) {
+            ASSERT_EQ(Icu(7), Counted());
+            if (length == -1) {
+                ASSERT_EQ(Icu(static_cast<int64_t>(capacity)), Short());
+            }
+        }
+    }
+};
+
+// Fragments stand alone, behind ASCII of lengths round a block of it, and between longer text.
+TYPED_TEST(Transform, EqualsIcuForEveryCapacity) {
+    using Text = std::basic_string<typename TypeParam::Source>;
+    for (const Text& fragment : TypeParam::Fragments()) {
+        for (const size_t ahead : {0, 1, 13, 15, 16, 17, 33}) {
+            const Text text = Text(ahead, 'x') + fragment + Text(ahead / 2, 'y');
+            const size_t most = 3 * text.size() + 2;
+            for (const int32_t substitution : {-1, 0, 0x3F, 0xFFFD, 0x1F600}) {
+                for (size_t capacity = 0; capacity <= most; ++capacity) {
+                    for (const int32_t length : {-1, static_cast<int32_t>(text.size())}) {
+                        Case<TypeParam>{text, length, capacity, substitution}.Check();
+                        ASSERT_FALSE(this->HasFatalFailure());
+                    }
+                }
+            }
+        }
+    }
+}
+
+TYPED_TEST(Transform, EqualsIcuForArgumentsThatItRefuses) {
+    const std::basic_string<typename TypeParam::Source> text(20, 'x');
+    for (const int32_t substitution : {0xD800, 0xDFFF, 0x110000, 0x7FFFFFFF, -2}) {
+        Case<TypeParam>{text, -1, 50, substitution}.Check();
+    }
+    Case<TypeParam>{text, -2, 50, -1}.Check();
+    Case<TypeParam>{text, INT32_MIN, 50, '?'}.Check();
+    ExactBlock<typename TypeParam::Target> target(50);
+    size_t length = 7;
+    EXPECT_EQ(QX_E_FAIL, TypeParam::kFull(target.Begin(), 50, &length, nullptr, 3, -1));
+    EXPECT_EQ(0u, length);
+    EXPECT_EQ(QX_S_OK, TypeParam::kFull(target.Begin(), 50, nullptr, nullptr, 0, -1));
+    EXPECT_EQ(QX_E_FAIL, TypeParam::kFull(nullptr, 50, &length, text.c_str(), -1, -1));
+    EXPECT_EQ(QX_E_BUFFERTOOSMALL, TypeParam::kFull(nullptr, 0, &length, text.c_str(), -1, -1));
+    EXPECT_EQ(20u, length);
+    EXPECT_EQ(-5, TypeParam::kShort(target.Begin(), text.c_str(), -5));
+    EXPECT_EQ(50, TypeParam::kShort(target.Begin(), nullptr, 50));
+    EXPECT_EQ(target.Begin(), TypeParam::kCounted(target.Begin(), 50, nullptr, text.c_str(), -1));
+}
+
+TYPED_TEST(Transform, CapacityIsItsLow32Bits) {
+    const std::basic_string<typename TypeParam::Source> text(20, 'x');
+    ExactBlock<typename TypeParam::Target> target(50);
+    size_t length = 7;
+    const auto convert = [&](size_t capacity) {
+        return TypeParam::kFull(target.Begin(), capacity, &length, text.c_str(), -1, -1);
+    };
+    EXPECT_EQ(QX_S_OK, convert(0x700000032));
+    EXPECT_EQ(QX_E_BUFFERTOOSMALL, convert(0x100000000));
+    EXPECT_EQ(QX_E_FAIL, convert(0x80000000));
+}
+
+struct Utf32Row {
+    std::u32string text;
+    std::string utf8;
+};
+
+std::vector<Utf32Row> Utf32Rows() {
+    std::vector<Utf32Row> rows = {
+        {U"", ""},
+        {U"z\u00DF\u6C34\U0001F34C", "z\xC3\x9F\xE6\xB0\xB4\xF0\x9F\x8D\x8C"},
+        {U"\U0010FFFF\uFFFF", "\xF4\x8F\xBF\xBF\xEF\xBF\xBF"}};
+    // Round the place where the scratch moves to the heap.
+    for (const size_t length : {255, 256, 511, 512, 600}) {
+        rows.push_back({std::u32string(length, U'x'), std::string(length, 'x')});
+    }
+    return rows;
+}
+
+TEST(TransformUtf32, ConvertsBothWaysIntoEveryCapacity) {
+    for (const Utf32Row& row : Utf32Rows()) {
+        const auto check = [](auto call, const auto& from, const auto& to) {
+            using Source = std::remove_cvref_t<decltype(from[0])>;
+            using Target = std::remove_cvref_t<decltype(to[0])>;
+            for (size_t capacity = to.size() < 20 ? 0 : to.size() - 1; capacity <= to.size() + 1;
+                 ++capacity) {
+                ExactBlock<Target> target(capacity);
+                size_t length = 7;
+                const QXResult expected = capacity < to.size() ? QX_E_BUFFERTOOSMALL : QX_S_OK;
+                ExactBlock<Source> counted(std::basic_string_view<Source>{from});
+                EXPECT_EQ(expected, call(target.Begin(), capacity, &length, counted.Begin(),
+                                         static_cast<int64_t>(from.size()), -1));
+                EXPECT_EQ(to.size(), length);
+                ExactBlock<Source> ended({from.c_str(), from.size() + 1});
+                EXPECT_EQ(expected, call(target.Begin(), capacity, &length, ended.Begin(), -9, -1));
+                EXPECT_EQ(to.size(), length);
+                if (capacity >= to.size()) {
+                    EXPECT_EQ((to + Target{}).substr(0, capacity), target.Content());
+                }
+            }
+        };
+        check(QXEncUTF8ToUTF32, row.utf8, row.text);
+        check(QXEncUTF32ToUTF8, row.text, row.utf8);
+    }
+}
+
+TEST(TransformUtf32, BadInputIsReplacedOrRefused) {
+    char narrow[16];
+    size_t length;
+    for (const char32_t bad : {0xD800, 0xDFFF, 0x110000, 0x7FFFFFFF}) {
+        const char32_t text[] = {U'a', bad, U'b'};
+        length = 7;
+        EXPECT_EQ(QX_E_ILLEGALCHAR, QXEncUTF32ToUTF8(narrow, 16, &length, text, 3, -1));
+        EXPECT_EQ(0u, length);
+        EXPECT_EQ(QX_S_OK, QXEncUTF32ToUTF8(narrow, 16, &length, text, 3, 0x3F));
+        EXPECT_STREQ("a?b", narrow);
+        EXPECT_EQ(QX_E_FAIL, QXEncUTF32ToUTF8(narrow, 16, &length, text, 3, 0xD800));
+    }
+    char32_t wide[2000];
+    EXPECT_EQ(QX_E_ILLEGALCHAR, QXEncUTF8ToUTF32(wide, 16, &length, "a\xFFz", -1, -1));
+    EXPECT_EQ(QX_S_OK, QXEncUTF8ToUTF32(wide, 16, &length, "a\xFFz", -1, 0x1F600));
+    EXPECT_EQ(std::u32string(U"a\U0001F600z"), wide);
+    // A scratch on the heap has one unit a byte, too few for substitutes of two.
+    const std::string bytes(600, '\xFF');
+    EXPECT_EQ(QX_E_BUFFERTOOSMALL,
+              QXEncUTF8ToUTF32(wide, 2000, &length, bytes.c_str(), -1, 0x1F600));
+    EXPECT_EQ(0u, length);
+}
+
+TEST(TransformUtf32, OutOfMemoryIsAFailureThatStoresNoLength) {
+    const std::string bytes(512, 'x');
+    const std::u32string units(256, U'x');
+    std::vector<char32_t> wide(600);
+    size_t length = 7;
+    FailAllocation(1);
+    EXPECT_EQ(QX_E_FAIL, QXEncUTF8ToUTF32(wide.data(), 600, &length, bytes.c_str(), -1, -1));
+    EXPECT_TRUE(AllocationHasFailed());
+    char narrow[600];
+    FailAllocation(1);
+    EXPECT_EQ(QX_E_FAIL, QXEncUTF32ToUTF8(narrow, 600, &length, units.c_str(), -1, -1));
+    EXPECT_TRUE(AllocationHasFailed());
+    EXPECT_EQ(7u, length);
+    // One unit less needs no heap.
+    FailAllocation(1);
+    EXPECT_EQ(QX_S_OK, QXEncUTF8ToUTF32(wide.data(), 600, &length, bytes.c_str(), 511, -1));
+    EXPECT_EQ(QX_S_OK, QXEncUTF32ToUTF8(narrow, 600, &length, units.c_str(), 255, -1));
+    EXPECT_FALSE(AllocationHasFailed());
+    FailAllocation(0);
+    EXPECT_EQ(QX_E_FAIL, QXEncUTF32ToUTF8(narrow, 600, &length, units.c_str(), INT64_MAX, -1));
+}
+
+struct NarrowRow {
+    std::string narrow;
+    std::u16string wide;
+    size_t result;  // units that are needed, or what a failure gives
+};
+
+std::vector<NarrowRow> NarrowRows() {
+    return {{"", u"", 0},
+            {"abc", u"abc", 3},
+            {std::string(40, 'x'), std::u16string(40, u'x'), 40},
+            {"sixteen letters!\xC3\xA4z", u"sixteen letters!\u00E4z", 18},
+            {"a\xE6\xB0\xB4\xF0\x9F\x8D\x8C!", u"a\u6C34\U0001F34C!", 5},
+            {"\xFF", u"", SIZE_MAX},
+            {"ab\xC3", u"ab", 1},
+            {"ab\xED\xA0\x80", u"ab", 1},
+            {"ab\xC0\x80z", u"ab", 1}};
+}
+
+// As many of the text's whole characters as fit.
+std::u16string Fitting(const std::u16string& text, size_t limit) {
+    const size_t cut = std::min(limit, text.size());
+    return text.substr(0, cut > 0 && cut < text.size() && U16_IS_TRAIL(text[cut]) ? cut - 1 : cut);
+}
+
+TEST(Narrow, BecomesWideUpToEveryLimit) {
+    for (const NarrowRow& row : NarrowRows()) {
+        ExactBlock<char> source({row.narrow.c_str(), row.narrow.size() + 1});
+        EXPECT_EQ(row.result, QXAnsiToUnicode(nullptr, source.Begin(), 0)) << row.narrow;
+        const bool isGood = row.result == row.wide.size();
+        for (size_t limit = 0; limit <= row.wide.size() + 2; ++limit) {
+            ExactBlock<char16_t> target(limit);
+            const size_t result = QXAnsiToUnicode(target.Begin(), source.Begin(), limit);
+            const std::u16string fitting = Fitting(row.wide, limit);
+            EXPECT_EQ(isGood || limit <= row.wide.size() ? fitting.size() : row.result, result)
+                << row.narrow << " " << limit;
+            const std::u16string content = target.Content();
+            EXPECT_EQ(fitting, content.substr(0, fitting.size()));
+            if (isGood && limit > row.wide.size()) {
+                EXPECT_EQ(0, content[fitting.size()]);
+            }
+        }
+    }
+    // No terminator is needed where the limit ends the text.
+    ExactBlock<char> open(std::string_view("0123456789abcdefghij"));
+    ExactBlock<char16_t> target(20);
+    EXPECT_EQ(20u, QXAnsiToUnicode(target.Begin(), open.Begin(), 20));
+}
+
+TEST(Narrow, IsMadeOfWideUpToEveryLimit) {
+    const std::u16string wide = u"sixteen letters \u00E4\u6C34\U0001F34C!";
+    const std::string narrow = "sixteen letters \xC3\xA4\xE6\xB0\xB4\xF0\x9F\x8D\x8C!";
+    ExactBlock<char16_t> source({wide.c_str(), wide.size() + 1});
+    EXPECT_EQ(narrow.size(), QXUnicodeToAnsi(nullptr, source.Begin(), 0));
+    for (size_t limit = 0; limit <= narrow.size() + 1; ++limit) {
+        ExactBlock<char> target(limit);
+        size_t fitting = std::min(limit, narrow.size());
+        while (fitting > 0 && fitting < narrow.size() && (narrow[fitting] & 0xC0) == 0x80) {
+            --fitting;
+        }
+        EXPECT_EQ(fitting, QXUnicodeToAnsi(target.Begin(), source.Begin(), limit));
+        EXPECT_EQ(narrow.substr(0, fitting), target.Content().substr(0, fitting));
+    }
+    char target[10];
+    const char16_t lone[] = {u'a', 0xDC00, 0};
+    EXPECT_EQ(SIZE_MAX, QXUnicodeToAnsi(target, lone, 10));
+}
+
+TEST(Utf16, IsReadCharacterByCharacter) {
+    struct Row {
+        std::u16string text;
+        uint32_t left;
+        uint32_t character;
+        int moved;
+    };
+    const Row kRows[] = {{{0xD83D, 0xDE00}, 2, 0x1F600, 2},
+                         {{0xD83D, 0xDE00}, 0xFFFFFFFF, 0x1F600, 2},
+                         {{0xDBFF, 0xDFFF}, 9, 0x10FFFF, 2},
+                         {{0xD83D, 0xDE00}, 1, 0xD83D, 1},
+                         {{0xD83D, u'a'}, 2, 0xD83D, 1},
+                         {{0xDE00, 0xD83D}, 2, 0xDE00, 1},
+                         {u"a", 0, 0, 0},
+                         {u"a", 0x80000000, 0, 0},
+                         {u"a", 0xFFFFFFFE, 0, 0},
+                         {u"", 1, 0, 1}};
+    for (const Row& row : kRows) {
+        const char16_t* cursor = row.text.c_str();
+        EXPECT_EQ(row.character, QXNextCharUTF16(&cursor, row.left));
+        EXPECT_EQ(row.moved, cursor - row.text.c_str());
+    }
+    EXPECT_EQ(0, QXCountCharUTF16(nullptr));
+    EXPECT_EQ(2, QXCountCharUTF16(u"\U0001F600z"));
+}
+
+TEST(Utf8Mark, IsComparedWithTheVariableAsItStands) {
+    EXPECT_STREQ("\xEF\xBB\xBF", QXUtf8BomStr);
+    EXPECT_EQ(1, QXIsUtf8BomStr("\xEF\xBB\xBFtext"));
+    for (const char* const text : {"", "\xEF", "\xEF\xBB", "\xEF\xBBx"}) {
+        ExactBlock<char> block({text, std::strlen(text) + 1});
+        EXPECT_EQ(0, QXIsUtf8BomStr(block.Begin())) << text;
+    }
+    const char* const before = QXUtf8BomStr;
+    QXUtf8BomStr = "abc";
+    EXPECT_EQ(1, QXIsUtf8BomStr("abcd"));
+    QXUtf8BomStr = before;
+}
+
+}  // namespace
