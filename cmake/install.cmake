@@ -5,7 +5,7 @@ install(TARGETS w64qxcore6 EXPORT w64qxcore6-targets
   INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(FILES include/qxcore.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(DIRECTORY include/qxcore DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-install(EXPORT w64qxcore6-targets DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/w64qxcore6)
+install(EXPORT w64qxcore6-targets NAMESPACE w64qxcore6:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/w64qxcore6)
 
 configure_package_config_file(cmake/w64qxcore6-config.cmake.in
   ${PROJECT_BINARY_DIR}/w64qxcore6-config.cmake
@@ -17,6 +17,8 @@ install(FILES
   ${PROJECT_BINARY_DIR}/w64qxcore6-config-version.cmake
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/w64qxcore6)
 
+# The file finds the prefix from where it is, so that an installation can be moved.
+file(RELATIVE_PATH QXCORE_PC_TO_PREFIX "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 configure_file(cmake/w64qxcore6.pc.in ${PROJECT_BINARY_DIR}/w64qxcore6.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/w64qxcore6.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 

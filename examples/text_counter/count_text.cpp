@@ -1,6 +1,7 @@
-// Counts the lines, words and bytes of files, with a component that the registry names.
-//   count_text --register LIBRARY          puts the component library on record
-//   count_text [--encoding NAME] FILE...   counts
+// Counts the lines, words, code points and bytes of files, with a component that the registry
+// names.
+//   count_text --register LIBRARY            puts the component library on record
+//   count_text [[--encoding NAME] FILE]...   counts; an encoding holds for the files behind it
 #include <chrono>
 #include <cstdio>
 #include <fstream>
@@ -61,32 +62,42 @@ ITextCounter* CreateCounter(const char* how, Create create) {
     return static_cast<ITextCounter*>(object);
 }
 
-bool CountFile(ITextCounter* counter, const char* path, const std::u16string& encoding,
-               TextCounts* total) {
-    std::ifstream file(path, std::ios::binary);
+struct TextFile {
+    const char* path;
+    std::u16string encoding;
+};
+
+void Print(const TextCounts& counts, const char* what) {
+    std::printf("%6ju %6ju %6ju %6ju %s\n", counts.lines, counts.words, counts.codePoints,
+                counts.bytes, what);
+}
+
+bool CountFile(ITextCounter* counter, const TextFile& textFile, TextCounts* total) {
+    std::ifstream file(textFile.path, std::ios::binary);
     const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
     TextCounts counts;
     if (!file ||
-        !Succeeded(counter->Count(text.data(), text.size(), encoding.c_str(), &counts), "Count")) {
-        std::fprintf(stderr, "count_text: %s cannot be counted\n", path);
+        !Succeeded(counter->Count(text.data(), text.size(), textFile.encoding.c_str(), &counts),
+                   "Count")) {
+        std::fprintf(stderr, "count_text: %s cannot be counted\n", textFile.path);
         return false;
     }
-    std::printf("%6ju %6ju %6ju %s\n", counts.lines, counts.words, counts.bytes, path);
+    Print(counts, textFile.path);
     total->lines += counts.lines;
     total->words += counts.words;
+    total->codePoints += counts.codePoints;
     total->bytes += counts.bytes;
     return true;
 }
 
-bool CountFiles(ITextCounter* counter, const std::vector<const char*>& paths,
-                const std::u16string& encoding) {
+bool CountFiles(ITextCounter* counter, const std::vector<TextFile>& files) {
     TextCounts total = {};
     bool allCounted = true;
-    for (const char* path : paths) {
-        allCounted &= CountFile(counter, path, encoding, &total);
+    for (const TextFile& file : files) {
+        allCounted &= CountFile(counter, file, &total);
     }
-    if (paths.size() > 1) {
-        std::printf("%6ju %6ju %6ju total\n", total.lines, total.words, total.bytes);
+    if (files.size() > 1) {
+        Print(total, "total");
     }
     return allCounted;
 }
@@ -120,7 +131,7 @@ bool ShowCache() {
            flushed == QX_E_NOTREGISTERED;
 }
 
-int Count(const std::vector<const char*>& paths, const std::u16string& encoding) {
+int Count(const std::vector<TextFile>& files) {
     ITextCounter* const byClass =
         CreateCounter("by class id, the library is loaded:", [](void** object) {
             return QXComCreateObject(&kTextCounterClass, nullptr, &kTextCounterInterface, object);
@@ -128,7 +139,7 @@ int Count(const std::vector<const char*>& paths, const std::u16string& encoding)
     if (byClass == nullptr) {
         return 1;
     }
-    bool good = CountFiles(byClass, paths, encoding);
+    bool good = CountFiles(byClass, files);
     IQXUnknown_Release(byClass);
     ITextCounter* const byProgram =
         CreateCounter("by program id, from the cache:", [](void** object) {
@@ -146,7 +157,7 @@ int Count(const std::vector<const char*>& paths, const std::u16string& encoding)
 
 int main(int argc, char** argv) {
     std::u16string encoding = u"UTF-8";
-    std::vector<const char*> paths;
+    std::vector<TextFile> files;
     for (int index = 1; index < argc; ++index) {
         const std::string_view argument = argv[index];
         const bool hasValue = index + 1 < argc;
@@ -156,14 +167,14 @@ int main(int argc, char** argv) {
         if (argument == "--encoding" && hasValue) {
             encoding = Wide(argv[++index]);
         } else {
-            paths.push_back(argv[index]);
+            files.push_back({argv[index], encoding});
         }
     }
-    if (paths.empty()) {
+    if (files.empty()) {
         std::fprintf(stderr,
-                     "usage: count_text [--encoding NAME] FILE...\n"
+                     "usage: count_text [[--encoding NAME] FILE]...\n"
                      "       count_text --register LIBRARY\n");
         return 2;
     }
-    return Count(paths, encoding);
+    return Count(files);
 }

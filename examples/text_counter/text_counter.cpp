@@ -1,10 +1,9 @@
 // A component library with one class, the text counter.
 #include "text_counter.h"
 
-#include <algorithm>
+#include <iterator>
+#include <memory>
 #include <new>
-#include <string>
-#include <string_view>
 
 namespace {
 
@@ -41,36 +40,72 @@ class Object : public Interface {
     uint32_t m_references = 1;
 };
 
-// Walks over text, one unit at a time, and counts.
-template <typename Unit>
-void CountUnits(std::basic_string_view<Unit> text, TextCounts* counts) {
-    bool inWord = false;
-    for (const Unit unit : text) {
-        const bool isSpace = unit == ' ' || (unit >= '\t' && unit <= '\r');
-        counts->lines += unit == '\n';
-        counts->words += !isSpace && !inWord;
-        inWord = !isSpace;
+struct CloseConverter {
+    void operator()(QXEncConverter* converter) const { QXEncToW_Close(converter); }
+};
+using Converter = std::unique_ptr<QXEncConverter, CloseConverter>;
+
+// Counts wide text that comes in pieces.
+class Tally {
+  public:
+    explicit Tally(size_t bytes) { m_counts.bytes = bytes; }
+
+    void Add(const wchar* begin, const wchar* end) {
+        for (; begin != end; ++begin) {
+            const bool isSpace = QXIsSpaceW(*begin) != 0;
+            const bool isTrail = (*begin & 0xFC00) == 0xDC00;
+            m_counts.lines += *begin == u'\n';
+            m_counts.words += !isSpace && !m_inWord;
+            m_counts.codePoints += !isTrail;
+            m_inWord = !isSpace;
+        }
     }
+    const TextCounts& Counts() const { return m_counts; }
+
+  private:
+    TextCounts m_counts = {};
+    bool m_inWord = false;
+};
+
+// Repeats a step of a conversion, which writes wide text, until it has had room for all of it.
+template <typename Step>
+QXResult Drain(Step step, Tally* tally) {
+    wchar piece[1024];
+    QXResult result;
+    do {
+        wchar* end = piece;
+        result = step(&end, std::end(piece));
+        tally->Add(piece, end);
+    } while (result == QX_E_BUFFERTOOSMALL);
+    return result;
 }
 
 class TextCounter final : public Object<ITextCounter, kTextCounterInterface> {
   public:
     QXResult Count(const void* text, size_t size, const wchar* encoding,
-                   TextCounts* counts) override {
-        const std::u16string_view name = encoding;
-        TextCounts found = {0, 0, size};
-        if (name == u"UTF-8") {
-            CountUnits(std::string_view(static_cast<const char*>(text), size), &found);
-        } else if (name == u"UTF-16LE") {
-            std::u16string units(size / 2, u'\0');
-            std::copy_n(static_cast<const char*>(text), units.size() * 2,
-                        reinterpret_cast<char*>(units.data()));
-            CountUnits(std::u16string_view(units), &found);
-        } else {
-            return QX_E_INVALIDARG;
+                   TextCounts* counts) override try {
+        const Converter converter(QXEncToW_Open(encoding));
+        const auto* source = static_cast<const char*>(text);
+        const char* const sourceEnd = source + size;
+        Tally tally(size);
+        QXResult result = Drain(
+            [&](wchar** target, wchar* targetEnd) {
+                return QXEncToW_Convert(converter.get(), &source, sourceEnd, target, targetEnd);
+            },
+            &tally);
+        if (QX_SUCCEEDED(result)) {
+            result = Drain(
+                [&](wchar** target, wchar* targetEnd) {
+                    return QXEncToW_Flush(converter.get(), target, targetEnd);
+                },
+                &tally);
         }
-        *counts = found;
-        return QX_S_OK;
+        if (QX_SUCCEEDED(result)) {
+            *counts = tally.Counts();
+        }
+        return result;
+    } catch (const std::bad_alloc&) {
+        return QX_E_OUTOFMEMORY;
     }
 };
 

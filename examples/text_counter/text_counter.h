@@ -17,13 +17,14 @@ inline constexpr char16_t kTextCounterProgramID[] = u"Examples.TextCounter";
 struct TextCounts {
     uint64_t lines;
     uint64_t words;
+    uint64_t codePoints;
     uint64_t bytes;
 };
 
 class ITextCounter : public IQXUnknown {
   public:
-    // Counts a text of `size` bytes in a named encoding: "UTF-8" (also for ASCII) or "UTF-16LE".
-    // QX_E_INVALIDARG for any other.
+    // Counts a text of `size` bytes in an encoding that is named as for QXEncToW_Open. A sequence
+    // of bytes that is no character counts as one. The counts are untouched on failure.
     virtual QXResult Count(const void* text, size_t size, const wchar* encoding,
                            TextCounts* counts) = 0;
 

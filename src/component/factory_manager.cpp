@@ -11,7 +11,6 @@
 #include "core/entry.h"
 #include "core/exception.h"
 #include "sync/mutex_holder.h"
-#include "sync/owned_mutex.h"
 
 namespace {
 
@@ -81,14 +80,6 @@ void AskLibrary(QXHandle library, const GUID* classID, const GUID* interfaceID, 
 }
 
 }  // namespace
-
-CQXFactoryManager::CQXFactoryManager() {
-    QXMutexCreate("CQXFactoryManager::m_mapMutex", 0, &m_mapMutex);
-}
-
-CQXFactoryManager::~CQXFactoryManager() {
-    DestroyOwnedMutex(m_mapMutex);
-}
 
 void* CQXFactoryManager::GetClassObject(const GUID* classID, const GUID* interfaceID) {
     ClassKey key;

@@ -7,11 +7,11 @@
 
 #include "component/factory_data.h"
 #include "platform/types.h"
+#include "sync/owned_mutex.h"
 
 class CQXFactoryManager {
   public:
-    CQXFactoryManager();
-    ~CQXFactoryManager();
+    CQXFactoryManager() = default;
     CQXFactoryManager(const CQXFactoryManager&) = delete;
     CQXFactoryManager& operator=(const CQXFactoryManager&) = delete;
 
@@ -32,9 +32,10 @@ class CQXFactoryManager {
     CQXRefPtr<CQXFactoryData> FindCached(const ClassKey& key) const;
     void* LoadClassObject(const ClassKey& key, const GUID* classID, const GUID* interfaceID);
 
-    // Recursive: a library that is being asked may come back for another class.
-    QXHandle m_mapMutex;
+    // The mutex stands behind what it guards, so that it is destroyed first. It is recursive: a
+    // library that is being asked may come back for another class.
     FactoryMap m_factoryMap;
+    OwnedMutex m_mapMutex{"CQXFactoryManager::m_mapMutex", 0};
 };
 
 #endif

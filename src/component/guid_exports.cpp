@@ -64,7 +64,7 @@ GUID GuidFromGroups(const u16 (&groups)[8]) {
     guid.Data1 = static_cast<u32>(groups[0]) << 16 | groups[1];
     guid.Data2 = groups[2];
     guid.Data3 = groups[3];
-    for (int index = 0; index < 4; ++index) {
+    for (std::size_t index = 0; index < 4; ++index) {
         guid.Data4[2 * index] = static_cast<u8>(groups[4 + index] >> 8);
         guid.Data4[2 * index + 1] = static_cast<u8>(groups[4 + index]);
     }

@@ -1,7 +1,6 @@
 #include "component/module_manager.h"
 
 #include "sync/mutex_holder.h"
-#include "sync/owned_mutex.h"
 
 namespace {
 
@@ -10,14 +9,6 @@ std::uintptr_t KeyOf(QXModuleToken token) {
 }
 
 }  // namespace
-
-CQXModuleManager::CQXModuleManager() {
-    QXMutexCreate("CQXModuleManager::m_setLock", 0, &m_setLock);
-}
-
-CQXModuleManager::~CQXModuleManager() {
-    DestroyOwnedMutex(m_setLock);
-}
 
 void CQXModuleManager::Mark(QXModuleToken token) {
     MutexHolder hold(m_setLock);

@@ -7,11 +7,11 @@
 #include <set>
 
 #include "platform/types.h"
+#include "sync/owned_mutex.h"
 
 class CQXModuleManager {
   public:
-    CQXModuleManager();
-    ~CQXModuleManager();
+    CQXModuleManager() = default;
     CQXModuleManager(const CQXModuleManager&) = delete;
     CQXModuleManager& operator=(const CQXModuleManager&) = delete;
 
@@ -20,8 +20,9 @@ class CQXModuleManager {
     bool IsMarked(QXModuleToken token);
 
   private:
-    QXHandle m_setLock;
+    // Behind what it guards, so that it is destroyed first.
     std::set<std::uintptr_t> m_moduleSet;
+    OwnedMutex m_setLock{"CQXModuleManager::m_setLock", 0};
 };
 
 #endif

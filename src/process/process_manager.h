@@ -2,17 +2,16 @@
 #ifndef QX_PROCESS_PROCESS_MANAGER_H
 #define QX_PROCESS_PROCESS_MANAGER_H
 
-#include <qxcore/mutex.h>
+#include "sync/owned_mutex.h"
 
 class CQXProcessManager {
   public:
-    CQXProcessManager();
-    ~CQXProcessManager();
+    CQXProcessManager() = default;
     CQXProcessManager(const CQXProcessManager&) = delete;
     CQXProcessManager& operator=(const CQXProcessManager&) = delete;
 
   private:
-    QXHandle m_setMutex;
+    OwnedMutex m_setMutex{"CQXProcessManager::m_setMutex", 0};
 };
 
 #endif

@@ -2,12 +2,11 @@
 #ifndef QX_PROCESS_THREAD_MANAGER_H
 #define QX_PROCESS_THREAD_MANAGER_H
 
-#include <qxcore/mutex.h>
-
 #include <map>
 
 #include "core/ref_counted.h"
 #include "platform/threads.h"
+#include "sync/owned_mutex.h"
 
 // One thread on record.
 class CQXThreadData : public CQXCoreRefCounted {
@@ -21,13 +20,13 @@ class CQXThreadManager {
   public:
     // Puts the calling thread on record.
     CQXThreadManager();
-    ~CQXThreadManager();
     CQXThreadManager(const CQXThreadManager&) = delete;
     CQXThreadManager& operator=(const CQXThreadManager&) = delete;
 
   private:
-    QXHandle m_mapMutex;
+    // The mutex stands behind what it guards, so that it is destroyed first.
     std::map<u32, CQXRefPtr<CQXThreadData>> m_threadMap;
+    OwnedMutex m_mapMutex{"CQXThreadManager::m_mapMutex", 0};
 };
 
 #endif

@@ -2,17 +2,17 @@
 #ifndef QX_SYNC_LOCK_STAT_MANAGER_H
 #define QX_SYNC_LOCK_STAT_MANAGER_H
 
-#include <qxcore/mutex.h>
+#include "sync/owned_mutex.h"
 
 class CQXLockStatManager {
   public:
-    CQXLockStatManager();
-    ~CQXLockStatManager();
+    CQXLockStatManager() = default;
     CQXLockStatManager(const CQXLockStatManager&) = delete;
     CQXLockStatManager& operator=(const CQXLockStatManager&) = delete;
 
   private:
-    QXHandle m_mutex;
+    // Exempt from the statistics that it guards.
+    OwnedMutex m_mutex{"CQXLockStatManager::m_mutex", QX_MUTEX_NOSTATS};
 };
 
 #endif

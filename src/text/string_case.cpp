@@ -2,6 +2,10 @@
 #include <qxcore/string.h>
 #include <unicode/ustring.h>
 
+#include <algorithm>
+#include <memory>
+#include <new>
+
 #include "platform/crt_text.h"
 #include "platform/types.h"
 #include "text/unit_scan.h"
@@ -53,11 +57,26 @@ Unit FoldUnit(Unit unit) {
 
 using MapWithICU = i32(char16_t*, i32, const char16_t*, i32, const char*, UErrorCode*);
 
+// A mapping that lengthens what it maps is cut at the capacity. In place, some versions of ICU
+// leave the text as it was instead.
+void MapFromCopy(char16_t* text, i32 length, MapWithICU* map) {
+    const auto units = static_cast<std::size_t>(length);
+    const std::unique_ptr<char16_t[]> copy(new (std::nothrow) char16_t[units]);
+    if (copy != nullptr) {
+        std::copy_n(text, units, copy.get());
+        UErrorCode status = U_ZERO_ERROR;
+        map(text, length, copy.get(), length, nullptr, &status);
+    }
+}
+
 // Clients rely on the doubled length: the units behind the terminator are mapped too.
 char16_t* MapDoubled(char16_t* text, MapWithICU* map) {
     const auto length = static_cast<i32>(unit_scan::FindEnd(text) * sizeof(char16_t));
     UErrorCode status = U_ZERO_ERROR;
     map(text, length, text, length, nullptr, &status);
+    if (status == U_BUFFER_OVERFLOW_ERROR) {
+        MapFromCopy(text, length, map);
+    }
     return text;
 }
 

@@ -108,8 +108,7 @@ wchar* QXStrCatW(wchar* target, const wchar* source) {
 }
 
 char* QXStrNCpyA(char* target, const char* source, size_t count) {
-    CopyAndFill()(target, source, count);
-    return target;
+    return std::strncpy(target, source, count);
 }
 
 wchar* QXStrNCpyW(wchar* target, const wchar* source, size_t count) {

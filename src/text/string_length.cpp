@@ -19,7 +19,7 @@ std::size_t LengthOf(const char16_t* text) {
 }
 
 std::size_t LengthOf(const char* text, std::size_t limit) {
-    return ::strnlen(text, limit);
+    return limit != 0 ? ::strnlen(text, limit) : 0;
 }
 
 std::size_t LengthOf(const char16_t* text, std::size_t limit) {

@@ -4,22 +4,20 @@
 #ifndef QX_TEXT_UNIT_SCAN_H
 #define QX_TEXT_UNIT_SCAN_H
 
+#include <atomic>
 #include <cstdint>
 #include <type_traits>
 
 #include "platform/types.h"
 
 // Blocks take bytes along that lie around a text, so the sanitizers get loops over single units.
+#if defined(__x86_64__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#define QX_SCAN_BLOCKS
+#endif
 #if defined(__has_feature)
 #if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define QX_SCAN_UNITS_ALONE
+#undef QX_SCAN_BLOCKS
 #endif
-#endif
-#if !defined(__SSE2__) || defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define QX_SCAN_UNITS_ALONE
-#endif
-#if !defined(QX_SCAN_UNITS_ALONE) && defined(__x86_64__)
-#define QX_SCAN_AVX2
 #endif
 
 namespace unit_scan {
@@ -36,20 +34,27 @@ template <typename Unit, char kFrom>
 struct FoldAscii {
     template <typename Value>
     Value operator()(Value value) const {
+        return static_cast<Value>(value ^ CaseBitIfLetter(value));
+    }
+
+    // The bit in which the cases differ, or 0 for what is no letter of the range.
+    template <typename Value>
+    static Value CaseBitIfLetter(Value value) {
         constexpr Plain<Unit> kFirst = kFrom;
         constexpr Plain<Unit> kCount = 26;
-        return Flip(value, static_cast<Value>(value - kFirst) < Value{} + kCount);
+        return CaseBitIf<Value>(static_cast<Value>(value - kFirst) < Value{} + kCount);
     }
 
   private:
-    static Plain<Unit> Flip(Plain<Unit> value, bool isLetter) {
-        return static_cast<Plain<Unit>>(value ^ (isLetter ? 0x20 : 0));
+    template <typename Value>
+    static Value CaseBitIf(bool isLetter) {
+        return isLetter ? 0x20 : 0;
     }
 
     template <typename Value, typename Lanes>
-    static Value Flip(Value value, Lanes isLetter) {
+    static Value CaseBitIf(Lanes isLetter) {
         constexpr Plain<Unit> kCaseBit = 0x20;
-        return value ^ ((Value)isLetter & kCaseBit);
+        return (Value)isLetter & kCaseBit;
     }
 };
 
@@ -65,19 +70,20 @@ struct Loops {
     std::size_t (*findUpperDifference)(const char* first, const char* second, std::size_t limit);
 };
 
-extern const Loops kPlainLoops;
-#ifdef QX_SCAN_AVX2
+extern const Loops kUnitLoops;
+#ifdef QX_SCAN_BLOCKS
+extern const Loops kSse2Loops;
 extern const Loops kAvx2Loops;
 #endif
 
+// Null until somebody asked.
+extern std::atomic<const Loops*> s_bestLoops;
+const Loops& ChooseLoops();
+
 // The best for this processor.
 inline const Loops& BestLoops() {
-#ifdef QX_SCAN_AVX2
-    if (__builtin_cpu_supports("avx2")) {
-        return kAvx2Loops;
-    }
-#endif
-    return kPlainLoops;
+    const Loops* const best = s_bestLoops.load(std::memory_order_relaxed);
+    return best != nullptr ? *best : ChooseLoops();
 }
 
 // The index of the terminator.

@@ -1,11 +1,9 @@
 // The loops of unit_scan.h, for a source that defines their table. How wide a block is depends on
 // what that source is compiled for.
 //
-// A block is loaded only from a multiple of its size, and only when at least one of its bytes
-// belongs to the text; a load at any other address lies within the text. So no load touches a page
-// that the text does not, and memory checkers that know partial loads stay quiet. Bytes around the
-// text never decide a result. Under a sanitizer, and where there are no such blocks, units are
-// loaded alone.
+// Loads never touch a page that the text does not: a block stands at a multiple of its size and
+// holds at least one byte of the text, or it does not cross the end of a page. Bytes around the
+// text never decide a result. With QX_SCAN_UNITS_ALONE, units are loaded alone.
 //
 // Everything is local to the source: a copy of a shared function that is compiled for a newer
 // processor must not stand in for the plain one.
@@ -23,6 +21,11 @@ namespace {
 
 constexpr std::size_t Smaller(std::size_t first, std::size_t second) {
     return first < second ? first : second;
+}
+
+template <typename Unit>
+Plain<Unit> PlainUnit(Unit unit) {
+    return static_cast<Plain<Unit>>(unit);
 }
 
 // The tests take a unit or a block, one or two of them, and give a truth value, or a block whose
@@ -54,28 +57,34 @@ struct IsEndOrNotAscii {
     }
 };
 
-struct Differ {
+// The tests of pairs hold as long as two texts go on alike.
+
+struct Alike {
     template <typename Value>
     auto operator()(Value first, Value second) const {
-        return (first == Value{}) | (first != second);
+        return (first == second) & (first != Value{});
     }
 };
 
-struct DifferAsLower {
+// Units that differ in the case bit alone are the same letter if one of them is a letter at all.
+template <typename Unit>
+struct AlikeButForCase {
     template <typename Value>
     auto operator()(Value first, Value second) const {
-        constexpr FoldAscii<char16_t, 'A'> kFold;
-        return Differ()(kFold(first), kFold(second));
+        constexpr Plain<Unit> kCaseBit = 0x20;
+        const auto lower = static_cast<Value>(first | kCaseBit);
+        const auto ignored = FoldAscii<Unit, 'a'>::CaseBitIfLetter(lower);
+        const auto difference = static_cast<Value>((first ^ second) & ~ignored);
+        return (difference == Value{}) & (first != Value{});
     }
 };
 
-struct DifferAsUpperOrNotAscii {
+struct AlikeButForCaseAndAscii {
     template <typename Value>
     auto operator()(Value first, Value second) const {
-        constexpr FoldAscii<char, 'a'> kFold;
         constexpr u8 kLast = 0x7F;
-        return Differ()(kFold(first), kFold(second)) |
-               (static_cast<Value>(first | second) > Value{} + kLast);
+        return AlikeButForCase<char>()(first, second) &
+               (static_cast<Value>(first | second) <= Value{} + kLast);
     }
 };
 
@@ -84,7 +93,7 @@ struct DifferAsUpperOrNotAscii {
 template <typename Unit, typename Test>
 std::size_t FindFirst(const Unit* text, std::size_t limit, Test test) {
     std::size_t index = 0;
-    while (index < limit && !test(static_cast<Plain<Unit>>(text[index]))) {
+    while (index < limit && !test(PlainUnit(text[index]))) {
         ++index;
     }
     return index;
@@ -108,8 +117,7 @@ const char16_t* FindLastUnit(const char16_t* text, char16_t unit) {
 template <typename Unit, typename Test>
 std::size_t FindPair(const Unit* first, const Unit* second, std::size_t limit, Test test) {
     std::size_t index = 0;
-    while (index < limit &&
-           !test(static_cast<Plain<Unit>>(first[index]), static_cast<Plain<Unit>>(second[index]))) {
+    while (index < limit && test(PlainUnit(first[index]), PlainUnit(second[index]))) {
         ++index;
     }
     return index;
@@ -123,6 +131,7 @@ using Raw = __m256i;
 using Raw = __m128i;
 #endif
 constexpr std::size_t kBlockSize = sizeof(Raw);
+constexpr unsigned kFullMask = ~0u >> (32 - kBlockSize);
 
 template <typename Unit>
 struct BlockOf {
@@ -214,48 +223,34 @@ const char16_t* FindLastUnit(const char16_t* text, char16_t unit) {
     }
 }
 
-// The index of the first pair of units that passes the test, or the count, where both texts have
-// that many units. The last window overlaps the one before it: what lies there has been seen.
-template <typename Unit, typename Test>
-std::size_t FindPairWithin(const Unit* first, const Unit* second, std::size_t count, Test test) {
-    constexpr std::size_t kUnits = kBlockSize / sizeof(Unit);
-    std::size_t index = 0;
-    if (count >= kUnits) {
-        for (;;) {
-            const unsigned mask =
-                MaskOf(test(LoadUnaligned(first + index), LoadUnaligned(second + index)));
-            if (mask != 0) {
-                return index + LowestBit(mask) / sizeof(Unit);
-            }
-            if (index == count - kUnits) {
-                return count;
-            }
-            index = Smaller(index + kUnits, count - kUnits);
-        }
-    }
-    while (index < count &&
-           !test(static_cast<Plain<Unit>>(first[index]), static_cast<Plain<Unit>>(second[index]))) {
-        ++index;
-    }
-    return index;
+std::size_t RoomInPage(const void* address) {
+    constexpr std::size_t kSmallestPage = 4096;
+    return kSmallestPage - reinterpret_cast<std::uintptr_t>(address) % kSmallestPage;
 }
 
-// How much of two texts is measured before it is compared.
-constexpr std::size_t kStretch = 512;
-
-// The index of the first pair of units that passes the test, or the limit. The test holds where a
-// text ends.
+// The index of the first pair of units that fails the test, or the limit. Two texts can stand at
+// different places in their blocks, so their windows stand anywhere, but never across the end of a
+// page.
 template <typename Unit, typename Test>
 std::size_t FindPair(const Unit* first, const Unit* second, std::size_t limit, Test test) {
-    constexpr std::size_t kUnits = kStretch / sizeof(Unit);
-    for (std::size_t done = 0; done < limit; done += kUnits) {
-        const std::size_t room = Smaller(limit - done, kUnits);
-        const std::size_t shorter =
-            FindFirst(second + done, FindFirst(first + done, room, IsEnd()), IsEnd());
-        const std::size_t count = shorter < room ? shorter + 1 : room;
-        const std::size_t index = FindPairWithin(first + done, second + done, count, test);
-        if (index < count) {
-            return done + index;
+    constexpr std::size_t kUnits = kBlockSize / sizeof(Unit);
+    for (std::size_t index = 0; index < limit;) {
+        const std::size_t room =
+            Smaller(RoomInPage(first + index), RoomInPage(second + index)) / sizeof(Unit);
+        if (room < kUnits) {
+            if (!test(PlainUnit(first[index]), PlainUnit(second[index]))) {
+                return index;
+            }
+            ++index;
+            continue;
+        }
+        for (const std::size_t end = Smaller(limit, index + room / kUnits * kUnits); index < end;
+             index += kUnits) {
+            const unsigned mask =
+                MaskOf(test(LoadUnaligned(first + index), LoadUnaligned(second + index)));
+            if (mask != kFullMask) {
+                return Smaller(limit, index + LowestBit(~mask) / sizeof(Unit));
+            }
         }
     }
     return limit;
@@ -274,14 +269,14 @@ constexpr Loops kLoops = {
     .findNotAsciiWide =
         [](const char16_t* text) { return FindFirst(text, IsEndOrNotAscii<char16_t>()); },
     .findDifference = [](const char16_t* first, const char16_t* second,
-                         std::size_t limit) { return FindPair(first, second, limit, Differ()); },
+                         std::size_t limit) { return FindPair(first, second, limit, Alike()); },
     .findLowerDifference =
         [](const char16_t* first, const char16_t* second) {
-            return FindPair(first, second, kUnlimited, DifferAsLower());
+            return FindPair(first, second, kUnlimited, AlikeButForCase<char16_t>());
         },
     .findUpperDifference =
         [](const char* first, const char* second, std::size_t limit) {
-            return FindPair(first, second, limit, DifferAsUpperOrNotAscii());
+            return FindPair(first, second, limit, AlikeButForCaseAndAscii());
         },
 };
 

@@ -19,7 +19,7 @@ extern "C" [[gnu::weak]] void __lsan_enable();
 
 namespace {
 
-using RegistryStoreTest = RegistryTest;
+using RegistryStore = Registry;
 
 constexpr uid_t kNobody = 65534;
 
@@ -78,9 +78,10 @@ int WriteFromTwoThreads(int first) {
     return own && other ? 0 : 1;
 }
 
-TEST_F(RegistryStoreTest, TakesWritersFromManyProcessesAndThreadsAtOnce) {
+TEST_F(RegistryStore, TakesWritersFromManyProcessesAndThreadsAtOnce) {
     // Nobody has made the store: the processes do, all at once.
     std::vector<ChildProcess> writers;
+    writers.reserve(4);
     for (int i = 0; i < 4; ++i) {
         writers.emplace_back([i] { return WriteFromTwoThreads(2000 * i); });
     }
@@ -106,7 +107,7 @@ TEST_F(RegistryStoreTest, TakesWritersFromManyProcessesAndThreadsAtOnce) {
     }
 }
 
-TEST_F(RegistryStoreTest, LosesNothingThatWasReportedWhenWritersAreKilled) {
+TEST_F(RegistryStore, LosesNothingThatWasReportedWhenWritersAreKilled) {
     SharedWithChildren<std::atomic<int>> written;
     for (int round = 0; round < 50; ++round) {
         const int start = *written;
@@ -127,7 +128,7 @@ TEST_F(RegistryStoreTest, LosesNothingThatWasReportedWhenWritersAreKilled) {
     }
 }
 
-TEST_F(RegistryStoreTest, WorksOnBothSidesOfAForkWhileAThreadIsInside) {
+TEST_F(RegistryStore, WorksOnBothSidesOfAForkWhileAThreadIsInside) {
     ASSERT_EQ(SetText(u"k\\a", u"v", u"before"), 0);
     ASSERT_EQ(SetText(u"k\\b", u"v", u"before"), 0);
     QXHandle keys;
@@ -155,6 +156,37 @@ TEST_F(RegistryStoreTest, WorksOnBothSidesOfAForkWhileAThreadIsInside) {
     QXRegistryCloseEnum(keys);
 }
 
+// The types that no function here can write, as another program may have written them.
+TEST_F(RegistryStore, ReadsForeignTypes) {
+    constexpr uint32_t kUntouched = 77;
+    const struct {
+        int native;
+        uint32_t byName;
+    } rows[] = {{0, QX_REG_BINARY}, {11, QX_REG_QWORD}, {5, 5}, {8, 8}, {100, 100}};
+    ASSERT_EQ(SetText(u"k", u"v", u"abc"), 0);
+    sqlite3* database = nullptr;
+    ::sqlite3_open(File("user.db").c_str(), &database);
+    for (const auto& row : rows) {
+        const std::string update = "UPDATE vals SET type=" + std::to_string(row.native);
+        ASSERT_EQ(::sqlite3_exec(database, update.c_str(), nullptr, nullptr, nullptr), SQLITE_OK);
+        char16_t text[4];
+        uint32_t length = sizeof text;
+        uint32_t type = kUntouched;
+        EXPECT_EQ(QXRegistryGetValue(QX_HKEY_USER, u"k", u"v", &type, text, &length), 0);
+        EXPECT_EQ(type, row.byName);
+        QXHandle values;
+        ASSERT_EQ(QXRegistryOpenValueEnum(QX_HKEY_USER, u"k", &values), 0);
+        char16_t name[2];
+        uint32_t nameLength = 2;
+        type = kUntouched;
+        EXPECT_EQ(QXRegistryEnumNextValue(values, name, &nameLength, &type, text, &length), 0);
+        EXPECT_EQ(type, kUntouched);
+        EXPECT_EQ(nameLength, 1u);
+        QXRegistryCloseEnum(values);
+    }
+    ::sqlite3_close(database);
+}
+
 void MakeForeignDatabase(const std::filesystem::path& file) {
     sqlite3* database = nullptr;
     ::sqlite3_open(file.c_str(), &database);
@@ -177,7 +209,7 @@ std::string Contents(const std::filesystem::path& file) {
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-TEST_F(RegistryStoreTest, LeavesAFileThatIsNotItsOwnAlone) {
+TEST_F(RegistryStore, LeavesAFileThatIsNotItsOwnAlone) {
     const struct {
         const char* what;
         void (*make)(const std::filesystem::path&);
@@ -204,7 +236,7 @@ TEST_F(RegistryStoreTest, LeavesAFileThatIsNotItsOwnAlone) {
     }
 }
 
-TEST_F(RegistryStoreTest, WritesNeitherWithoutItsDirectoryNorWhereItMayNot) {
+TEST_F(RegistryStore, WritesNeitherWithoutItsDirectoryNorWhereItMayNot) {
     const std::string missing = File("missing");
     ::setenv("W64QXCORE6_REGISTRY", missing.c_str(), 1);
     EXPECT_EQ(Exists(QX_HKEY_USER, u"k", u"v"), QX_E_NOTFOUND);
@@ -248,7 +280,7 @@ int ReadMachineTreeAsNobody() {
     return good && Text(u"k", u"v", QX_HKEY_CONFIG) == u"text" ? 0 : 2;
 }
 
-TEST_F(RegistryStoreTest, OtherUsersReadTheMachineTreeAndCannotWriteIt) {
+TEST_F(RegistryStore, OtherUsersReadTheMachineTreeAndCannotWriteIt) {
     if (::geteuid() != 0) {
         GTEST_SKIP() << "only root can become another user";
     }
@@ -275,7 +307,7 @@ int FailEachAllocationOf(QXResult failure, Call&& call) {
     });
 }
 
-TEST_F(RegistryStoreTest, SurvivesTheFailureOfEachAllocation) {
+TEST_F(RegistryStore, SurvivesTheFailureOfEachAllocation) {
     ASSERT_EQ(SetText(u"k\\below", u"v", u"%HOME%", QX_HKEY_USER, QX_REG_EXPAND_STRING), 0);
     const auto get = [] {
         char16_t text[200];

@@ -11,7 +11,7 @@
 
 #include "support/temporary_directory.h"
 
-class RegistryTest : public testing::Test {
+class Registry : public testing::Test {
   protected:
     void SetUp() override { ::setenv("W64QXCORE6_REGISTRY", m_directory.Path().c_str(), 1); }
 
@@ -57,7 +57,7 @@ inline std::vector<std::u16string> SubkeysOf(const char16_t* path, int32_t root 
     if (QXRegistryOpenKeyEnum(root, path, &keys) != 0) {
         return {u"<failed>"};
     }
-    const std::vector<std::u16string> names = Names(keys);
+    std::vector<std::u16string> names = Names(keys);
     QXRegistryCloseEnum(keys);
     return names;
 }

@@ -8,7 +8,7 @@ namespace {
 
 constexpr QXResult kNotFound = QX_E_NOTFOUND;
 
-TEST_F(RegistryTest, TellsEachFailureByItsCode) {
+TEST_F(Registry, TellsEachFailureByItsCode) {
     ASSERT_EQ(SetText(u"key", u"value", u"text"), 0);
     ASSERT_EQ(SetText(u"key\\below", u"", u""), 0);
     QXHandle handle;
@@ -54,7 +54,7 @@ TEST_F(RegistryTest, TellsEachFailureByItsCode) {
     EXPECT_EQ(SubkeysOf(u""), (std::vector<std::u16string>{u"key"}));
 }
 
-TEST_F(RegistryTest, KeepsEachViewOfEachRootApart) {
+TEST_F(Registry, KeepsEachViewOfEachRootApart) {
     for (int32_t root = 0; root < 5; ++root) {
         ASSERT_EQ(
             SetText(u"Key", u"name", std::u16string(1, static_cast<char16_t>(u'0' + root)), root),
@@ -69,7 +69,7 @@ TEST_F(RegistryTest, KeepsEachViewOfEachRootApart) {
     EXPECT_EQ(Exists(3, u"Key", u"name"), QX_S_OK);
 }
 
-TEST_F(RegistryTest, ReadsEachTypeByNameAndInAnEnumeration) {
+TEST_F(Registry, ReadsEachTypeByNameAndInAnEnumeration) {
     constexpr uint32_t kUntouched = 77;
     const struct {
         uint32_t written;
@@ -100,7 +100,7 @@ TEST_F(RegistryTest, ReadsEachTypeByNameAndInAnEnumeration) {
     QXRegistryCloseEnum(values);
 }
 
-TEST_F(RegistryTest, StoresExactlyTheBytesThatAreCounted) {
+TEST_F(Registry, StoresExactlyTheBytesThatAreCounted) {
     const std::string bytes(
         "\0\xFF"
         "odd",
@@ -117,7 +117,7 @@ TEST_F(RegistryTest, StoresExactlyTheBytesThatAreCounted) {
     EXPECT_EQ(length, 0u);
 }
 
-TEST_F(RegistryTest, ExpandsWhatTheEnvironmentKnows) {
+TEST_F(Registry, ExpandsWhatTheEnvironmentKnows) {
     ::setenv("QX_T", "v\xC3\xA4\xF0\x9F\x98\x80", 1);
     ::setenv("QX_\xC3\x84", "umlaut", 1);
     ::setenv("QX_BAD", "<\xC3>\xED\xA0\x80", 1);
@@ -142,7 +142,7 @@ TEST_F(RegistryTest, ExpandsWhatTheEnvironmentKnows) {
     }
 }
 
-TEST_F(RegistryTest, ExpansionKeepsToTheBuffer) {
+TEST_F(Registry, ExpansionKeepsToTheBuffer) {
     ::setenv("QX_T", "long", 1);
     // Without a terminator, and half a unit behind it: the text ends where it was stored.
     const std::u16string stored = u"%QX_T%";
@@ -170,7 +170,7 @@ TEST_F(RegistryTest, ExpansionKeepsToTheBuffer) {
     EXPECT_EQ(QXRegistryGetValue(QX_HKEY_USER, u"k", u"v", &type, nullptr, &length), 0);
 }
 
-TEST_F(RegistryTest, NamesMayHoldAnyUnit) {
+TEST_F(Registry, NamesMayHoldAnyUnit) {
     const char16_t* const names[] = {
         u"a", u"ab",           u"a/b",    u"%",       u"_",      u"a'b\"c", u"*?[]",   u";--",
         u" ", u"\u00E4\u0436", u"\xD800", u"\xDC00x", u"\u00DF", u"\u0131", u"\xFFFF",
@@ -188,7 +188,7 @@ TEST_F(RegistryTest, NamesMayHoldAnyUnit) {
     EXPECT_EQ(SubkeysOf(u"").size(), std::size(names) - 1);
 }
 
-TEST_F(RegistryTest, EnumeratesKeysByFoldedNameAndStepsOverWhatDoesNotFit) {
+TEST_F(Registry, EnumeratesKeysByFoldedNameAndStepsOverWhatDoesNotFit) {
     for (const char16_t* path : {u"k\\b", u"k\\Ab", u"k\\a", u"k\\\u00E4", u"k\\C", u"k\\_"}) {
         ASSERT_EQ(SetText(path, u"", u""), 0);
     }
@@ -208,7 +208,7 @@ TEST_F(RegistryTest, EnumeratesKeysByFoldedNameAndStepsOverWhatDoesNotFit) {
     QXRegistryCloseEnum(keys);
 }
 
-TEST_F(RegistryTest, AnEnumerationOfADeletedKeyStaysDead) {
+TEST_F(Registry, AnEnumerationOfADeletedKeyStaysDead) {
     ASSERT_EQ(SetText(u"k\\below", u"", u""), 0);
     QXHandle keys;
     ASSERT_EQ(QXRegistryOpenKeyEnum(QX_HKEY_USER, u"k", &keys), 0);
@@ -218,7 +218,7 @@ TEST_F(RegistryTest, AnEnumerationOfADeletedKeyStaysDead) {
     QXRegistryCloseEnum(keys);
 }
 
-TEST_F(RegistryTest, DeletesTreesAndMixesTheNumbersOfWhatFails) {
+TEST_F(Registry, DeletesTreesAndMixesTheNumbersOfWhatFails) {
     const std::u16string longest(255, u'z');
     ASSERT_EQ(SetText(u"k\\a\\b\\c", u"v", u"text"), 0);
     ASSERT_EQ(SetText(u"k\\d", u"v", u"text"), 0);
@@ -233,7 +233,7 @@ TEST_F(RegistryTest, DeletesTreesAndMixesTheNumbersOfWhatFails) {
     EXPECT_EQ(SubkeysOf(u""), (std::vector<std::u16string>{u"k"}));
 }
 
-TEST_F(RegistryTest, LooksAtTheEnvironmentOnceAndReadingMakesNothing) {
+TEST_F(Registry, LooksAtTheEnvironmentOnceAndReadingMakesNothing) {
     EXPECT_EQ(Text(u"k", u"v"), u"<not found>");
     EXPECT_EQ(QXRegistryDeleteKey(QX_HKEY_USER, u"k"), QX_E_FAIL);
     EXPECT_TRUE(std::filesystem::is_empty(m_directory.Path()));
@@ -242,7 +242,7 @@ TEST_F(RegistryTest, LooksAtTheEnvironmentOnceAndReadingMakesNothing) {
     EXPECT_TRUE(std::filesystem::exists(File("user.db")));
 }
 
-TEST_F(RegistryTest, MakesTheUsersDirectoryForTheUserAlone) {
+TEST_F(Registry, MakesTheUsersDirectoryForTheUserAlone) {
     ::unsetenv("W64QXCORE6_REGISTRY");
     ::setenv("HOME", m_directory.Path().c_str(), 1);
     ::setenv("XDG_CONFIG_HOME", "relative", 1);

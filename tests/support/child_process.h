@@ -19,7 +19,7 @@ class ChildProcess {
   public:
     // `body` returns the exit code. What it expects by the test framework's means is lost.
     template <typename Body>
-    explicit ChildProcess(Body&& body, ChildEnd end = ChildEnd::kAtOnce) : m_id(::fork()) {
+    explicit ChildProcess(Body body, ChildEnd end = ChildEnd::kAtOnce) : m_id(::fork()) {
         if (m_id == 0) {
             const int code = body();
             if (end == ChildEnd::kThroughExitHandlers) {

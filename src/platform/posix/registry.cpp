@@ -380,10 +380,10 @@ u32 RegQueryValueExW(HKEY key, const char16_t* name, u32*, u32* type, void* data
 
 u32 RegSetValueExW(HKEY key, const char16_t* name, u32, u32 type, const void* data,
                    u32 size) noexcept {
-    const std::string_view bytes(static_cast<const char*>(data), size);
     if (data == nullptr && size != 0) {
         return kErrorInvalidParameter;
     }
+    const std::string_view bytes(static_cast<const char*>(data), size);
     return RunOnValue(key, name, kKeySetValue,
                       [&](RegistryStore& store, i64 id, std::u16string_view text,
                           const std::string& folded) -> u32 {

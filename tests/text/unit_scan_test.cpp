@@ -1,0 +1,147 @@
+#include "text/unit_scan.h"
+
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <memory>
+#include <string>
+
+namespace {
+
+using unit_scan::kUnlimited;
+using unit_scan::Loops;
+
+// Memory that ends where the next page may not be touched, and begins where the one before may not.
+class FencedPage {
+  public:
+    FencedPage() : m_size(static_cast<size_t>(sysconf(_SC_PAGESIZE))) {
+        m_fence = static_cast<char*>(
+            mmap(nullptr, 3 * m_size, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+        mprotect(m_fence + m_size, m_size, PROT_READ | PROT_WRITE);
+    }
+    ~FencedPage() { munmap(m_fence, 3 * m_size); }
+    FencedPage(const FencedPage&) = delete;
+
+    // The units at the page's end, less a few bytes, or at its beginning, with others around them.
+    template <typename Unit>
+    const Unit* Place(const std::basic_string<Unit>& units, size_t bytesBehind, bool atEnd) {
+        std::memset(m_fence + m_size, 'a', m_size);
+        const size_t bytes = units.size() * sizeof(Unit);
+        char* const begin = m_fence + m_size + (atEnd ? m_size - bytesBehind - bytes : bytesBehind);
+        std::memcpy(begin, units.data(), bytes);
+        return reinterpret_cast<const Unit*>(begin);
+    }
+
+  private:
+    size_t m_size;
+    char* m_fence;
+};
+
+const Loops& LoopsOf(int index) {
+#ifdef QX_SCAN_BLOCKS
+    if (index == 1) {
+        return unit_scan::kSse2Loops;
+    }
+    if (index == 2 && __builtin_cpu_supports("avx2")) {
+        return unit_scan::kAvx2Loops;
+    }
+#endif
+    return index == 3 ? unit_scan::BestLoops() : unit_scan::kUnitLoops;
+}
+
+class UnitScan : public testing::TestWithParam<int> {
+  protected:
+    const Loops& m_loops = LoopsOf(GetParam());
+    FencedPage m_first, m_second;
+
+    // Runs a check for texts of many lengths at both ends of a page, whatever their alignment.
+    template <typename Check>
+    static void ForEachPlace(size_t unitSize, Check check) {
+        for (const bool atEnd : {true, false}) {
+            for (size_t bytesBehind = 0; bytesBehind < 66; bytesBehind += unitSize) {
+                for (size_t length = 0; length < 70; length += length < 36 ? 1 : 7) {
+                    check(length, bytesBehind, atEnd);
+                }
+            }
+        }
+    }
+};
+
+TEST_P(UnitScan, SingleTextsAreSearchedWithinTheirPages) {
+    ForEachPlace(2, [this](size_t length, size_t bytesBehind, bool atEnd) {
+        std::u16string units(length, u'x');
+        if (length > 2) {
+            units[length / 2] = u'y';
+            units[length - 1] = u'y';
+        }
+        const size_t firstY = length > 2 ? length / 2 : length;
+        const char16_t* text = m_first.Place(units + u'\0', bytesBehind, atEnd);
+        ASSERT_EQ(m_loops.findEnd(text), length);
+        ASSERT_EQ(m_loops.findEndWithin(text, length / 2), length / 2);
+        ASSERT_EQ(m_loops.findEndWithin(text, kUnlimited), length);
+        ASSERT_EQ(m_loops.findUnitOrEnd(text, u'y'), firstY);
+        ASSERT_EQ(m_loops.findLast(text, u'y'), length > 2 ? text + length - 1 : nullptr);
+        ASSERT_EQ(m_loops.findLast(text, u'\0'), text + length);
+        ASSERT_EQ(m_loops.findLast(text, u'a' * 0x101), nullptr);
+        ASSERT_EQ(m_loops.findNotAsciiWide(text), length);
+        if (length > 2) {
+            units[length / 2] = 0x80;
+            text = m_first.Place(units, bytesBehind, atEnd);
+            ASSERT_EQ(m_loops.findNotAsciiWide(text), length / 2);
+            ASSERT_EQ(m_loops.findEndWithin(text, length), length);
+        }
+    });
+}
+
+TEST_P(UnitScan, NarrowTextEndsAtFirstByteThatIsNotAscii) {
+    ForEachPlace(1, [this](size_t length, size_t bytesBehind, bool atEnd) {
+        for (const char end : {'\0', '\x80', '\xFF'}) {
+            const std::string units = std::string(length, '\x7F') + end;
+            ASSERT_EQ(m_loops.findNotAsciiNarrow(m_first.Place(units, bytesBehind, atEnd)), length);
+        }
+    });
+}
+
+TEST_P(UnitScan, PairsOfTextsAreComparedWithinTheirPages) {
+    for (size_t otherBehind = 0; otherBehind < 36; otherBehind += 6) {
+        ForEachPlace(2, [&](size_t length, size_t bytesBehind, bool atEnd) {
+            std::u16string units(length, u'K');
+            const char16_t* const text = m_first.Place(units + u'\0', bytesBehind, atEnd);
+            units.append(length % 3, u'k');
+            const char16_t* const other = m_second.Place(units + u'\0', otherBehind, atEnd);
+            ASSERT_EQ(m_loops.findDifference(text, other, kUnlimited), length);
+            ASSERT_EQ(m_loops.findDifference(other, text, kUnlimited), length);
+            ASSERT_EQ(m_loops.findDifference(other, text, length / 2), length / 2);
+            ASSERT_EQ(m_loops.findLowerDifference(text, other), length);
+            if (length > 0) {
+                units[length / 2] = u'k';
+                const char16_t* const small = m_second.Place(units + u'\0', otherBehind, atEnd);
+                ASSERT_EQ(m_loops.findDifference(text, small, kUnlimited), length / 2);
+                ASSERT_EQ(m_loops.findLowerDifference(text, small), length);
+            }
+        });
+    }
+}
+
+TEST_P(UnitScan, NarrowPairsAreFoldedUpToTheFirstHighByte) {
+    ForEachPlace(1, [this](size_t length, size_t bytesBehind, bool atEnd) {
+        const std::string lower = std::string(length, 'q');
+        const std::string upper = std::string(length, 'Q');
+        struct {
+            const char* first;
+            const char* second;
+        } const tails[] = {{"", ""}, {"\xC3", "\xC3"}, {"_", "A"}, {"", "b"}, {"{", "["}};
+        for (const auto& tail : tails) {
+            const char* const first = m_first.Place(lower + tail.first + '\0', bytesBehind, atEnd);
+            const char* const second = m_second.Place(upper + tail.second + '\0', 3, atEnd);
+            ASSERT_EQ(m_loops.findUpperDifference(first, second, kUnlimited), length);
+            ASSERT_EQ(m_loops.findUpperDifference(first, second, length / 2), length / 2);
+        }
+    });
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryKind, UnitScan, testing::Range(0, 4));
+
+}  // namespace
