@@ -11,7 +11,8 @@
  * is the class id as text.
  *
  * Any thread may call any function here. A first lookup of a class blocks all other lookups until
- * the library is loaded and has answered.
+ * the library is loaded and has answered. The child of a fork may find the cache locked for good if
+ * another thread of the parent was at a lookup: it makes objects only if the parent had one thread.
  */
 #ifndef QXCORE_COMPONENT_H
 #define QXCORE_COMPONENT_H
@@ -80,7 +81,9 @@ QX_API QXResult QXComClassIDFromProgID(const wchar* programID, GUID* classID);
  * Objects that callers hold go on, but a library whose last opening the cache held may leave the
  * memory.
  *
- * @return QX_S_OK, or QX_E_FAIL if a factory fails on the way.
+ * A factory's Release runs here, under the lock of the cache, and must not throw.
+ *
+ * @return QX_S_OK.
  */
 QX_API QXResult QXComFlushFactoryCache(void);
 

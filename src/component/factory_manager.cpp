@@ -102,10 +102,12 @@ CQXRefPtr<CQXFactoryData> CQXFactoryManager::FindCached(const ClassKey& key) con
 void* CQXFactoryManager::LoadClassObject(const ClassKey& key, const GUID* classID,
                                          const GUID* interfaceID) {
     const QXHandle library = OpenLibrary(classID);
+    // The record closes the library, so it must outlive the interface.
+    CQXRefPtr<CQXFactoryData> record;
     OwnedInterface factory;
     AskLibrary(library, classID, interfaceID, factory.Out());
-    CQXRefPtr<CQXFactoryData> record(new CQXFactoryData(factory.Get(), library));
-    m_factoryMap[key] = std::move(record);
+    record = CQXRefPtr<CQXFactoryData>(new CQXFactoryData(factory.Get(), library));
+    m_factoryMap[key] = record;
     return factory.PassOn();
 }
 

@@ -19,6 +19,10 @@ class CQXModuleManager {
     void Unmark(QXModuleToken token);
     bool IsMarked(QXModuleToken token);
 
+    // Keep other threads out while the process forks.
+    void EnterForFork() { QXMutexAcquire(m_setLock); }
+    void LeaveAfterFork() { QXMutexRelease(m_setLock); }
+
   private:
     // Behind what it guards, so that it is destroyed first.
     std::set<std::uintptr_t> m_moduleSet;

@@ -3,7 +3,7 @@
 
 #include <qxcore/module.h>
 
-#include "component/factory_manager.h"
+#include "component/module_manager.h"
 #include "core/client_data.h"
 #include "core/core_init.h"
 #include "core/global_data.h"
@@ -16,10 +16,20 @@ namespace {
 // Kept for debuggers; no code reads it.
 [[maybe_unused]] constinit platform::ModuleHandle s_hInstance = nullptr;
 
+// A fork waits until no thread is at the marks: the child would find their lock held by a thread
+// that it does not have, and could not even be unloaded.
+void EnterMarks() {
+    CQXGlobalData::m_moduleManager->EnterForFork();
+}
+void LeaveMarks() {
+    CQXGlobalData::m_moduleManager->LeaveAfterFork();
+}
+
 void Attach(platform::ModuleHandle instance) {
     s_hInstance = instance;
     QXCoreInit();
     QXModuleSetInitialized(s_moduleToken, 1);
+    platform::SetForkGuards(EnterMarks, LeaveMarks);
 }
 
 // The token goes first, so that no component library is unloaded from here on.
@@ -33,6 +43,7 @@ void Detach(const void* reserved) {
         }
         return;
     }
+    platform::SetForkGuards(nullptr, nullptr);
     QXCoreTerm();
 }
 

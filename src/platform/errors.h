@@ -15,12 +15,11 @@ enum NativeError : u32 {
     kErrorPathNotFound = 3,
     kErrorAccessDenied = 5,
     kErrorInvalidHandle = 6,
-    kErrorNotEnoughMemory = 8,
     kErrorOutOfMemory = 14,
     kErrorSharingViolation = 32,
     kErrorInvalidParameter = 87,
+    kErrorDiskFull = 112,
     kErrorInsufficientBuffer = 122,
-    kErrorInvalidName = 123,
     kErrorModuleNotFound = 126,
     kErrorProcedureNotFound = 127,
     kErrorBusy = 170,
@@ -34,7 +33,6 @@ enum NativeError : u32 {
     kErrorKeyDeleted = 1018,
     kErrorUnknownRevision = 1305,
     kErrorNoSystemResources = 1450,
-    kErrorDiskFull = 112,
     kErrorUuidNoAddress = 1739,
 };
 

@@ -20,6 +20,11 @@ enum EntryReason : u32 {
 // that goes on.
 bool OtherThreadsMayRun(const void* reserved) noexcept;
 
+// Has `before` called ahead of each fork of the process, in the thread that forks, and `after`
+// behind it on both sides. Null for neither. Systems without fork never call them.
+using ForkGuard = void (*)();
+void SetForkGuards(ForkGuard before, ForkGuard after) noexcept;
+
 }  // namespace platform
 
 // The entry function of the library, defined above this layer. The system's loader, or the back

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "support/allocation_fault.h"
+#include "support/child_process.h"
 #include "support/registered_classes.h"
 #include "support/witness.h"
 
@@ -193,24 +194,31 @@ TEST_F(Component, ThreadsThatAskAtOnceLoadTheLibraryOnce) {
     EXPECT_EQ("loaded asked ", m_classes.TakeLog());
 }
 
+// Each allocation fails in a child of its own, so that the library is loaded there for the first
+// time and closed again by the failure.
 TEST_F(Component, AllocationFailureIsAResultAndLeavesNull) {
     m_classes.Register(kPlain, m_classes.WitnessPath());
-    void* library = nullptr;  // keeps the witness loaded: its own loading is not what fails here
-    ASSERT_EQ(QX_S_OK, QXLibOpen(m_classes.WitnessPath().c_str(), &library));
-    const int failures = ForEachFailingAllocation([&] {
+    enum Outcome { kSucceeds, kFails, kGoesWrong };
+    const auto lookUp = [&](int failing) {
         void* factory = &factory;
+        FailAllocation(failing);
         const QXResult result = Lookup(kPlain, &factory);
-        if (QX_FAILED(result)) {
-            EXPECT_TRUE(result == QX_E_OUTOFMEMORY || result == QX_E_NOTREGISTERED) << result;
-            EXPECT_EQ(nullptr, factory);
-        } else {
-            IQXUnknown_Release(factory);
-            QXComFlushFactoryCache();
+        const bool struck = AllocationHasFailed();
+        FailAllocation(0);
+        if (QX_SUCCEEDED(result)) {
+            return struck ? kGoesWrong : kSucceeds;
         }
-        return QX_SUCCEEDED(result);
-    });
-    EXPECT_GE(failures, 2);
-    QXLibClose(library);
+        const bool told = result == QX_E_OUTOFMEMORY || result == QX_E_NOTREGISTERED;
+        return struck && told && factory == nullptr ? kFails : kGoesWrong;
+    };
+    int failing = 1;
+    int outcome = kFails;
+    while (outcome == kFails) {
+        outcome = ChildProcess([&] { return lookUp(failing); }).Wait();
+        ++failing;
+    }
+    EXPECT_EQ(kSucceeds, outcome) << failing;
+    EXPECT_GE(failing, 5);
 }
 
 TEST_F(Component, MemoryIsSharedAndMaybeEmpty) {

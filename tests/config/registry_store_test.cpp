@@ -1,4 +1,5 @@
 // The store under load, under kill, damaged, and shared by processes and users.
+#include <pthread.h>
 #include <sched.h>
 #include <sqlite3.h>
 #include <sys/stat.h>
@@ -305,6 +306,56 @@ int FailEachAllocationOf(QXResult failure, Call&& call) {
         EXPECT_EQ(failure != 0 ? result == failure : result != 0, failed) << result;
         return result == 0;
     });
+}
+
+TEST_F(RegistryStore, UserWhoComesToHaveTheRightCanWrite) {
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "only root can become another user";
+    }
+    ::chmod(m_directory.Path().c_str(), 0755);
+    ChildProcess owner([] { return SetText(u"k", u"v", u"text", QX_HKEY_CONFIG); });
+    ASSERT_EQ(owner.Wait(), 0);
+    ChildProcess changing([] {
+        const bool denied = ::seteuid(65534) == 0 && Text(u"k", u"v", QX_HKEY_CONFIG) == u"text" &&
+                            SetText(u"k", u"v", u"mine", QX_HKEY_CONFIG) == QX_E_ACCESSDENIED;
+        const bool allowed = ::seteuid(0) == 0 && SetText(u"k", u"v", u"mine", QX_HKEY_CONFIG) == 0;
+        return denied && allowed ? 0 : 1;
+    });
+    EXPECT_EQ(changing.Wait(), 0);
+}
+
+TEST_F(RegistryStore, FollowsTheFileThatIsAtItsPlace) {
+    ASSERT_EQ(SetText(u"k\\a", u"v", u"old"), 0);
+    QXHandle keys;
+    ASSERT_EQ(QXRegistryOpenKeyEnum(QX_HKEY_USER, u"k", &keys), 0);
+    for (const char* name : {"user.db", "user.db-wal", "user.db-shm"}) {
+        std::filesystem::remove(File(name));
+    }
+    EXPECT_EQ(SetText(u"other\\a", u"v", u"new"), 0);
+    EXPECT_TRUE(std::filesystem::exists(File("user.db")));
+    EXPECT_EQ(Text(u"other\\a", u"v"), u"new");
+    EXPECT_EQ(Text(u"k\\a", u"v"), u"<not found>");
+    EXPECT_TRUE(Names(keys).empty());
+    QXRegistryCloseEnum(keys);
+}
+
+// A handler that a program installs runs before the library's own, or after it if it came first.
+TEST_F(RegistryStore, NothingIsOpenAcrossAForkWhoseHandlersUseIt) {
+    static const auto use = [] { SetText(u"k", u"v", u"in a handler"); };
+    ASSERT_EQ(SetText(u"k", u"v", u"text"), 0);
+    ASSERT_EQ(::pthread_atfork(use, nullptr, nullptr), 0);
+    const auto countOpen = [this] {
+        int count = 0;
+        for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+            std::error_code ignored;
+            const auto target = std::filesystem::read_symlink(entry, ignored).string();
+            count += target.starts_with(m_directory.Path().string());
+        }
+        return count;
+    };
+    ChildProcess child(countOpen);
+    EXPECT_EQ(child.Wait(), 0);
+    EXPECT_EQ(Text(u"k", u"v"), u"in a handler");
 }
 
 TEST_F(RegistryStore, SurvivesTheFailureOfEachAllocation) {

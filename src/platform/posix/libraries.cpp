@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 
+#include "cancellation.h"
 #include "platform/errors.h"
 #include "platform/multibyte.h"
 
@@ -65,6 +66,7 @@ bool LiesIn(HMODULE library, const void* address) noexcept {
 
 HMODULE LoadLibraryW(const char16_t* path) noexcept {
     ErrnoKeeper keepErrno;
+    CancellationOff noCancellation;
     try {
         const std::string narrow = NarrowPath(path);
         // The loader would take the empty name for the program itself.
@@ -82,6 +84,7 @@ HMODULE LoadLibraryW(const char16_t* path) noexcept {
 
 bool FreeLibrary(HMODULE library) noexcept {
     ErrnoKeeper keepErrno;
+    CancellationOff noCancellation;
     if (IsHandle(library) && ::dlclose(library) == 0) {
         return true;
     }

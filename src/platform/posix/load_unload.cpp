@@ -1,10 +1,12 @@
 // Calls the library's entry function when the shared object is loaded and unloaded. This pair is
 // the only constructor and the only destructor of the library.
 #include <dirent.h>
+#include <dlfcn.h>
 #include <sys/single_threaded.h>
 
+#include "fork.h"
 #include "platform/lifetime.h"
-#include "registry_unload.h"
+#include "registry_lifetime.h"
 
 extern "C" [[gnu::visibility("hidden")]] char __dso_handle;
 extern "C" int __cxa_atexit(void (*handler)(void*), void* argument, void* module);
@@ -14,11 +16,20 @@ namespace {
 
 constinit bool s_processEnds = false;
 
-// The exit handler and the destructor tell the two ends apart. At the end of the process the C
-// library runs the exit handlers before it detaches any shared object; dlclose runs the destructor
-// first and this library's exit handlers behind it.
+// For a library that was opened by dlopen, the exit handler and the destructor tell its two ends
+// apart. At the end of the process the C library runs the exit handlers before it detaches any
+// shared object that came later than the program; dlclose runs the destructor first and this
+// library's exit handlers behind it.
 void NoteProcessEnd(void*) {
     s_processEnds = true;
+}
+
+// A library that came with the program is detached at the end of the process and never before.
+bool CameWithTheProgram() noexcept {
+    void* const program = ::dlopen(nullptr, RTLD_LAZY);
+    const bool found = ::dlsym(program, "QXModuleSetInitialized") != nullptr;
+    ::dlclose(program);
+    return found;
 }
 
 // The tasks of the process, counted up to two.
@@ -36,7 +47,12 @@ bool OneThreadIsLeft() noexcept {
 }
 
 [[gnu::constructor]] void OnLoad() {
-    __cxa_atexit(NoteProcessEnd, nullptr, &__dso_handle);
+    if (CameWithTheProgram()) {
+        s_processEnds = true;
+    } else {
+        __cxa_atexit(NoteProcessEnd, nullptr, &__dso_handle);
+    }
+    InstallForkHandlers();
     DllMain(&__dso_handle, kProcessAttach, nullptr);
 }
 

@@ -21,11 +21,19 @@ struct KeyWalk {
     i64 m_lastValue = 0;
 };
 
-// An open key. It names its key by number, so that it outlives the connection of the store.
-struct RegistryKey {
+// A key of a store by its number, so that it outlives the connection of the store, and what may be
+// done with it. Of a store that was replaced the numbers mean nothing.
+struct KeyReference {
     i64 m_id;
     StoreNumber m_store;
     u32 m_access;
+    u32 m_incarnation;
+
+    bool Allows(u32 right) const noexcept { return (m_access & right) != 0; }
+};
+
+struct RegistryKey {
+    KeyReference m_reference;
     KeyWalk m_walk;
 };
 
@@ -40,26 +48,26 @@ bool IsRoot(i64 id) noexcept {
     return id <= kTreeUser;
 }
 
-// The key that an operation starts from.
-struct BaseKey {
-    i64 m_id;
-    StoreNumber m_store;
-    u32 m_access;
+bool IsOfThisStore(RegistryStore& store, const KeyReference& key) noexcept {
+    return IsRoot(key.m_id) || key.m_incarnation == store.Incarnation();
+}
 
-    bool Allows(u32 right) const noexcept { return (m_access & right) != 0; }
-};
+RegistryStore::Purpose PurposeOf(u32 access) noexcept {
+    return (access & kWriteRights) != 0 ? RegistryStore::Purpose::kWrite
+                                        : RegistryStore::Purpose::kRead;
+}
 
-bool FindRoot(PredefinedRoot root, u32 view, BaseKey& base) noexcept {
+bool FindRoot(PredefinedRoot root, u32 view, KeyReference& base) noexcept {
     const bool wants32 = (view & kKeyWow64View32) != 0;
     switch (root) {
         case kHkeyClassesRoot:
-            base = {wants32 ? kTreeClasses32 : kTreeClasses64, StoreNumber::kMachine, ~0u};
+            base = {wants32 ? kTreeClasses32 : kTreeClasses64, StoreNumber::kMachine, ~0u, 0};
             return true;
         case kHkeyLocalMachine:
-            base = {wants32 ? kTreeConfig32 : kTreeConfig64, StoreNumber::kMachine, ~0u};
+            base = {wants32 ? kTreeConfig32 : kTreeConfig64, StoreNumber::kMachine, ~0u, 0};
             return true;
         case kHkeyCurrentUser:
-            base = {kTreeUser, StoreNumber::kUser, ~0u};
+            base = {kTreeUser, StoreNumber::kUser, ~0u, 0};
             return true;
         default:
             return false;
@@ -70,7 +78,7 @@ bool IsPredefined(HKEY key) noexcept {
     return reinterpret_cast<std::intptr_t>(key) < 0;
 }
 
-bool FindBase(HKEY key, u32 view, BaseKey& base) noexcept {
+bool FindBase(HKEY key, u32 view, KeyReference& base) noexcept {
     if (IsPredefined(key)) {
         const auto value = static_cast<u32>(reinterpret_cast<std::uintptr_t>(key));
         return FindRoot(static_cast<PredefinedRoot>(value), view, base);
@@ -78,14 +86,17 @@ bool FindBase(HKEY key, u32 view, BaseKey& base) noexcept {
     if (key == nullptr) {
         return false;
     }
-    base = {key->m_id, key->m_store, key->m_access};
+    base = key->m_reference;
     return true;
 }
 
 // The stored path of the key itself; empty if it is gone.
-std::string PathOfBase(RegistryStore& store, const BaseKey& base) {
+std::string PathOfBase(RegistryStore& store, const KeyReference& base) {
     if (IsRoot(base.m_id)) {
         return StoredName(TreeName(base.m_id));
+    }
+    if (!IsOfThisStore(store, base)) {
+        return {};
     }
     Query query(store, Statement::kKeyPath);
     query.Bind(1, base.m_id);
@@ -100,7 +111,7 @@ u32 MissingOrDeleted(RegistryStore& store, i64 key, u32 missing) {
 }
 
 // The folded path of a key below another.
-u32 ResolvePath(RegistryStore& store, const BaseKey& base, const char16_t* path,
+u32 ResolvePath(RegistryStore& store, const KeyReference& base, const char16_t* path,
                 std::string& resolved) {
     resolved = PathOfBase(store, base);
     if (resolved.empty()) {
@@ -124,11 +135,12 @@ u32 FindForOpening(RegistryStore& store, std::string_view path, u32 access, i64&
     if (!FindKey(store, path, id)) {
         return kErrorFileNotFound;
     }
-    return (access & kWriteRights) != 0 && store.IsReadOnly() ? kErrorAccessDenied : kErrorSuccess;
+    return (access & kWriteRights) != 0 && !store.CanWrite() ? kErrorAccessDenied : kErrorSuccess;
 }
 
-HKEY NewKey(i64 id, StoreNumber store, u32 access) {
-    return new RegistryKey{.m_id = id, .m_store = store, .m_access = access, .m_walk = {}};
+HKEY NewKey(i64 id, const KeyReference& base, u32 access, RegistryStore& store) {
+    return new RegistryKey{.m_reference = {id, base.m_store, access, store.Incarnation()},
+                           .m_walk = {}};
 }
 
 i64 AddKey(RegistryStore& store, i64 parent, std::u16string_view name, std::string_view path) {
@@ -144,7 +156,7 @@ i64 AddKey(RegistryStore& store, i64 parent, std::u16string_view name, std::stri
 }
 
 // Makes what is missing on the way from a key down along a path.
-u32 AddMissingKeys(RegistryStore& store, const BaseKey& base, const char16_t* path, i64& id) {
+u32 AddMissingKeys(RegistryStore& store, const KeyReference& base, const char16_t* path, i64& id) {
     std::string reached = PathOfBase(store, base);
     if (reached.empty()) {
         return kErrorKeyDeleted;
@@ -162,7 +174,7 @@ u32 AddMissingKeys(RegistryStore& store, const BaseKey& base, const char16_t* pa
     return kErrorSuccess;
 }
 
-u32 CreateKey(RegistryStore& store, const BaseKey& base, const char16_t* path, i64& id) {
+u32 CreateKey(RegistryStore& store, const KeyReference& base, const char16_t* path, i64& id) {
     store.OpenForWriting();
     WriteTransaction transaction(store);
     const u32 error = AddMissingKeys(store, base, path, id);
@@ -172,9 +184,9 @@ u32 CreateKey(RegistryStore& store, const BaseKey& base, const char16_t* path, i
     return error;
 }
 
-u32 OpenExisting(RegistryStore& store, const BaseKey& base, const char16_t* path, u32 access,
+u32 OpenExisting(RegistryStore& store, const KeyReference& base, const char16_t* path, u32 access,
                  i64& id) {
-    if (!store.OpenForReading()) {
+    if (!store.Open(PurposeOf(access))) {
         return kErrorFileNotFound;
     }
     std::string resolved;
@@ -241,7 +253,7 @@ u32 CopyValue(Query& query, int typeColumn, const ValueTarget& target) noexcept 
 // Runs an operation on the store of an open key with the key's number.
 template <typename Operation>
 u32 RunOnKey(HKEY key, u32 right, Operation&& operation) noexcept {
-    BaseKey base;
+    KeyReference base;
     if (!FindBase(key, 0, base)) {
         return kErrorInvalidHandle;
     }
@@ -249,7 +261,10 @@ u32 RunOnKey(HKEY key, u32 right, Operation&& operation) noexcept {
         return kErrorAccessDenied;
     }
     return RunOnStore(base.m_store, [&](RegistryStore& store) -> u32 {
-        return store.OpenForReading() ? operation(store, base.m_id) : kErrorFileNotFound;
+        if (!store.Open(PurposeOf(right))) {
+            return kErrorFileNotFound;
+        }
+        return IsOfThisStore(store, base) ? operation(store, base.m_id) : kErrorKeyDeleted;
     });
 }
 
@@ -318,7 +333,7 @@ u32 NextValue(RegistryStore& store, i64 id, u32 index, KeyWalk& walk, char16_t* 
 }  // namespace
 
 u32 RegOpenKeyExW(HKEY key, const char16_t* path, u32, u32 access, HKEY* opened) noexcept {
-    BaseKey base;
+    KeyReference base;
     if (!FindBase(key, access, base)) {
         return kErrorInvalidHandle;
     }
@@ -326,7 +341,7 @@ u32 RegOpenKeyExW(HKEY key, const char16_t* path, u32, u32 access, HKEY* opened)
         i64 id;
         const u32 error = OpenExisting(store, base, path, access, id);
         if (error == kErrorSuccess) {
-            *opened = NewKey(id, base.m_store, access);
+            *opened = NewKey(id, base, access, store);
         }
         return error;
     });
@@ -334,7 +349,7 @@ u32 RegOpenKeyExW(HKEY key, const char16_t* path, u32, u32 access, HKEY* opened)
 
 u32 RegCreateKeyExW(HKEY key, const char16_t* path, u32, const char16_t*, u32, u32 access,
                     const SECURITY_ATTRIBUTES*, HKEY* opened, u32* disposition) noexcept {
-    BaseKey base;
+    KeyReference base;
     if (!FindBase(key, access, base)) {
         return kErrorInvalidHandle;
     }
@@ -346,7 +361,7 @@ u32 RegCreateKeyExW(HKEY key, const char16_t* path, u32, const char16_t*, u32, u
             error = CreateKey(store, base, path, id);
         }
         if (error == kErrorSuccess) {
-            *opened = NewKey(id, base.m_store, access);
+            *opened = NewKey(id, base, access, store);
             *disposition = missing ? kCreatedNewKey : kOpenedExistingKey;
         }
         return error;
@@ -402,7 +417,7 @@ u32 RegSetValueExW(HKEY key, const char16_t* name, u32, u32 type, const void* da
 }
 
 u32 RegDeleteKeyExW(HKEY key, const char16_t* path, u32 view, u32) noexcept {
-    BaseKey base;
+    KeyReference base;
     if (!FindBase(key, view, base)) {
         return kErrorInvalidHandle;
     }

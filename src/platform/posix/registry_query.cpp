@@ -31,14 +31,22 @@ void Run(RegistryStore& store, Statement which) {
     Query(store, which).Step();
 }
 
+// What ends a transaction is ready before one begins.
+WriteTransaction::WriteTransaction(RegistryStore& store) : m_store(store) {
+    m_store.Prepared(Statement::kCommit);
+    m_store.Prepared(Statement::kRollback);
+    Run(m_store, Statement::kBegin);
+}
+
 WriteTransaction::~WriteTransaction() {
-    if (::sqlite3_get_autocommit(m_store.Database()) != 0) {
-        return;
+    const auto isOpen = [this] { return ::sqlite3_get_autocommit(m_store.Database()) == 0; };
+    if (isOpen()) {
+        ::sqlite3_step(m_store.Prepared(Statement::kRollback));
+        ::sqlite3_reset(m_store.Prepared(Statement::kRollback));
     }
-    try {
-        Run(m_store, Statement::kRollback);
-    } catch (...) {
-        // The failure that led here is the one to tell, and the next transaction will say more.
+    if (isOpen()) {
+        // Nothing that comes later may become part of it.
+        m_store.Close(RegistryStore::Closing::kForAWhile);
     }
 }
 

@@ -39,9 +39,7 @@ void Run(RegistryStore& store, Statement which);
 // A transaction that writes. Undone unless it was committed.
 class WriteTransaction {
   public:
-    explicit WriteTransaction(RegistryStore& store) : m_store(store) {
-        Run(m_store, Statement::kBegin);
-    }
+    explicit WriteTransaction(RegistryStore& store);
     ~WriteTransaction();
     WriteTransaction(const WriteTransaction&) = delete;
     WriteTransaction& operator=(const WriteTransaction&) = delete;

@@ -1,13 +1,12 @@
 #include "registry_store.h"
 
-#include <pthread.h>
+#include <sys/stat.h>
 #include <time.h>
 
-#include <atomic>
 #include <memory>
 
+#include "registry_lifetime.h"
 #include "registry_schema.h"
-#include "registry_unload.h"
 
 namespace platform {
 namespace {
@@ -38,22 +37,9 @@ constexpr std::array<const char*, kStatementCount> kTexts{
 constinit RegistryStore s_stores[kStoreCount]{RegistryStore(StoreNumber::kUser),
                                               RegistryStore(StoreNumber::kMachine)};
 
-// The fork handlers are the process's; registering them twice by a race does no harm.
-constinit std::atomic<bool> s_forkHandlersRegistered{false};
-
-void BeforeFork() {
-    const ErrnoKeeper keeper;
-    for (RegistryStore& store : s_stores) {
-        store.Enter();
-        store.Close(RegistryStore::Closing::kForFork);
-    }
-}
-
-void AfterFork() {
-    for (RegistryStore& store : s_stores) {
-        store.Leave();
-    }
-}
+// Written under the locks of all stores. Whoever finds it set under such a lock is the thread that
+// forks, in a handler of the program's own.
+constinit bool s_forkUnderWay = false;
 
 i64 MonotonicMilliseconds() noexcept {
     timespec now;
@@ -140,12 +126,31 @@ const StoreLocation& RegistryStore::Location() {
     return *m_location;
 }
 
-bool RegistryStore::Connect(bool forWriting) {
+RegistryStore::FileIdentity RegistryStore::FileAtPlace() {
+    struct stat status;
+    return ::stat(Location().m_file.c_str(), &status) == 0
+               ? FileIdentity{status.st_dev, status.st_ino}
+               : FileIdentity{};
+}
+
+bool RegistryStore::IsTimeToLook(Purpose purpose) noexcept {
+    timespec now;
+    ::clock_gettime(CLOCK_MONOTONIC_COARSE, &now);
+    if (purpose == Purpose::kRead && now.tv_sec == m_lastLook) {
+        return false;
+    }
+    m_lastLook = now.tv_sec;
+    return true;
+}
+
+bool RegistryStore::Connect(Purpose purpose) {
+    // Before the file is opened: if it is replaced in between, the next look finds a difference.
+    const FileIdentity file = FileAtPlace();
     Connection connection = OpenFile(Location().m_file.c_str());
     Configure(connection.get(), this);
     StoreContent content = IdentifyStore(connection.get());
     if (content == StoreContent::kNothing) {
-        if (!forWriting) {
+        if (purpose == Purpose::kRead) {
             return false;
         }
         FillStore(connection.get(), m_number);
@@ -153,26 +158,40 @@ bool RegistryStore::Connect(bool forWriting) {
         content = IdentifyStore(connection.get());
     }
     ThrowIf(content != StoreContent::kRegistry, kErrorBadDatabase);
+    m_incarnation += file != m_connectedFile;
+    m_connectedFile = file;
     m_database = connection.release();
     return true;
 }
 
-bool RegistryStore::OpenForReading() {
+bool RegistryStore::Open(Purpose purpose) {
+    ThrowIf(s_forkUnderWay, kErrorBusy);
+    if (m_database != nullptr && IsTimeToLook(purpose) && FileAtPlace() != m_connectedFile) {
+        Close(Closing::kForAWhile);
+    }
     if (m_database != nullptr) {
         return true;
     }
     StoreFile found;
     ThrowUnlessSuccess(ProbeStoreFile(Location(), &found));
     ThrowIf(found == StoreFile::kForeign, kErrorBadDatabase);
-    return found == StoreFile::kPresent && Connect(false);
+    return found == StoreFile::kPresent && Connect(Purpose::kRead);
+}
+
+bool RegistryStore::CanWrite() {
+    if (IsReadOnly()) {
+        Close(Closing::kForAWhile);
+        Connect(Purpose::kRead);
+    }
+    return !IsReadOnly();
 }
 
 void RegistryStore::OpenForWriting() {
-    if (!OpenForReading()) {
+    if (m_database == nullptr) {
         ThrowUnlessSuccess(MakeStoreFile(Location()));
-        Connect(true);
+        Connect(Purpose::kWrite);
     }
-    ThrowIf(IsReadOnly(), kErrorAccessDenied);
+    ThrowIf(!CanWrite(), kErrorAccessDenied);
 }
 
 sqlite3_stmt* RegistryStore::Prepared(Statement which) {
@@ -194,7 +213,7 @@ void RegistryStore::Close(Closing how) noexcept {
         delete m_location;
         m_location = nullptr;
     } else if (m_database != nullptr) {
-        // The parent goes on: the log is not written back each time.
+        // The log is not written back each time.
         ::sqlite3_db_config(m_database, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
     }
     ::sqlite3_close(m_database);
@@ -205,20 +224,25 @@ RegistryStore& StoreOf(StoreNumber number) noexcept {
     return s_stores[static_cast<std::size_t>(number)];
 }
 
-bool RegisterForkHandlers() noexcept {
-    if (s_forkHandlersRegistered.load(std::memory_order_acquire)) [[likely]] {
-        return true;
-    }
-    if (::pthread_atfork(BeforeFork, AfterFork, AfterFork) != 0) {
-        return false;
-    }
-    s_forkHandlersRegistered.store(true, std::memory_order_release);
-    return true;
-}
-
 void CloseRegistryStores() noexcept {
     for (RegistryStore& store : s_stores) {
         store.Close(RegistryStore::Closing::kForGood);
+    }
+}
+
+void CloseRegistryStoresForFork() noexcept {
+    const ErrnoKeeper keepErrno;
+    for (RegistryStore& store : s_stores) {
+        store.Enter();
+        store.Close(RegistryStore::Closing::kForAWhile);
+    }
+    s_forkUnderWay = true;
+}
+
+void FreeRegistryStoresAfterFork() noexcept {
+    s_forkUnderWay = false;
+    for (RegistryStore& store : s_stores) {
+        store.Leave();
     }
 }
 

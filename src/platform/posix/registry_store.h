@@ -5,10 +5,12 @@
 #define QX_PLATFORM_POSIX_REGISTRY_STORE_H
 
 #include <sqlite3.h>
+#include <sys/types.h>
 
 #include <array>
 #include <new>
 
+#include "cancellation.h"
 #include "platform/errors.h"
 #include "platform/sync.h"
 #include "registry_failure.h"
@@ -42,13 +44,22 @@ class RegistryStore {
 
     // The members below are called with the lock held, and throw StoreFailure or std::bad_alloc.
 
-    // Makes sure of a connection. False if there is no store; nothing is made.
-    bool OpenForReading();
+    enum class Purpose { kRead, kWrite };
 
-    // Makes sure of a connection that can write, and makes the store if there is none.
+    // Makes sure of a connection to the file that is at the store's place now. False if there is no
+    // store; nothing is made. An operation begins with this, and looks at the place if it is to
+    // write or if nobody has for a second.
+    bool Open(Purpose purpose);
+
+    // Makes sure of a connection that can write, and makes the store if there is none. Follows
+    // Open.
     void OpenForWriting();
 
-    bool IsReadOnly() const noexcept { return ::sqlite3_db_readonly(m_database, "main") == 1; }
+    // Tries once more if this user could not write when the connection was made.
+    bool CanWrite();
+
+    // Changes when another file has taken the store's place: numbers of keys mean nothing there.
+    u32 Incarnation() const noexcept { return m_incarnation; }
 
     sqlite3_stmt* Prepared(Statement which);
     sqlite3* Database() const noexcept { return m_database; }
@@ -59,11 +70,21 @@ class RegistryStore {
     // Waits a little for other processes. False once the operation has waited for long enough.
     bool WaitForOthers() noexcept;
 
-    enum class Closing { kForFork, kForGood };
+    // Closing for a while leaves the log for the next connection.
+    enum class Closing { kForAWhile, kForGood };
     void Close(Closing how) noexcept;
 
   private:
-    bool Connect(bool forWriting);
+    struct FileIdentity {
+        dev_t m_device;
+        ino_t m_inode;
+        bool operator==(const FileIdentity&) const = default;
+    };
+
+    bool Connect(Purpose purpose);
+    bool IsReadOnly() const noexcept { return ::sqlite3_db_readonly(m_database, "main") == 1; }
+    bool IsTimeToLook(Purpose purpose) noexcept;
+    FileIdentity FileAtPlace();
     const StoreLocation& Location();
 
     CRITICAL_SECTION m_lock{};
@@ -72,22 +93,20 @@ class RegistryStore {
     std::array<sqlite3_stmt*, kStatementCount> m_prepared{};
     i64 m_waitingSince = 0;  // milliseconds; 0 while the operation has not waited
     u32 m_waits = 0;
+    u32 m_incarnation = 0;
+    FileIdentity m_connectedFile{};
+    time_t m_lastLook = 0;
     StoreNumber m_number;
 };
 
 RegistryStore& StoreOf(StoreNumber number) noexcept;
 
-// Has every store closed round a fork. False without memory.
-bool RegisterForkHandlers() noexcept;
-
 // Runs an operation on a store under its lock, again and again while others are in its way, and
 // turns what it throws into its number. The operation is such that it can start over.
 template <typename Operation>
 u32 RunOnStore(StoreNumber number, Operation&& operation) noexcept {
-    const ErrnoKeeper keeper;
-    if (!RegisterForkHandlers()) {
-        return kErrorOutOfMemory;
-    }
+    const ErrnoKeeper keepErrno;
+    const CancellationOff noCancellation;
     struct Holder {
         explicit Holder(RegistryStore& store) noexcept : m_store(store) { m_store.Enter(); }
         ~Holder() { m_store.Leave(); }

@@ -1,11 +1,8 @@
 #include "platform/threads.h"
 
-#include <pthread.h>
 #include <sched.h>
 #include <time.h>
 #include <unistd.h>
-
-#include <atomic>
 
 #include "platform/errors.h"
 
@@ -13,21 +10,7 @@ namespace platform {
 
 constinit thread_local std::uint32_t t_threadId = 0;
 
-namespace {
-
-constinit std::atomic<bool> s_forkHandlerInstalled{false};
-
-// The child's only thread has a new number.
-void ForgetThreadIdInChild() {
-    t_threadId = 0;
-}
-
-}  // namespace
-
 [[gnu::cold]] u32 LearnThreadId() noexcept {
-    if (!s_forkHandlerInstalled.exchange(true)) {
-        ::pthread_atfork(nullptr, nullptr, ForgetThreadIdInChild);
-    }
     t_threadId = static_cast<u32>(::gettid());
     return t_threadId;
 }

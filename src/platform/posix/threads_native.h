@@ -1,4 +1,5 @@
-// The thread id is asked of the kernel once a thread and kept in the thread's storage.
+// The thread id is asked of the kernel once a thread and kept in the thread's storage. A forked
+// child asks again.
 #ifndef QX_PLATFORM_POSIX_THREADS_NATIVE_H
 #define QX_PLATFORM_POSIX_THREADS_NATIVE_H
 

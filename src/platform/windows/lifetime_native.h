@@ -15,6 +15,8 @@ inline bool OtherThreadsMayRun(const void*) noexcept {
     return false;
 }
 
+inline void SetForkGuards(void (*)(), void (*)()) noexcept {}
+
 }  // namespace platform
 
 #endif
