@@ -1,0 +1,73 @@
+// The hot paths make no system call: they run where any but reading, writing and ending is death.
+#include <gtest/gtest.h>
+#include <linux/seccomp.h>
+#include <qxcore.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <functional>
+#include <thread>
+
+#include "support/child_process.h"
+
+namespace {
+
+void UseMutex() {
+    static QXHandle s_mutex = nullptr;
+    if (s_mutex == nullptr) {
+        QXMutexCreate("hot", QX_MUTEX_SPIN, &s_mutex);
+    }
+    for (int round = 0; round < 100; ++round) {
+        QXMutexAcquire(s_mutex);
+        QXMutexTryAcquire(s_mutex);
+        QXMutexRelease(s_mutex);
+        QXMutexRelease(s_mutex);
+    }
+}
+
+void UseStrings() {
+    char narrow[64];
+    char16_t wide[64];
+    QXStrNZCpyW(wide, 64, u"Text of some length, with \u00E4 and more behind it", 64);
+    QXStrCatW(QXStrToLowerW(wide), u"tail");
+    QXStrICmpW(wide, u"text");
+    QXStrICmpA(QXStrCpyA(narrow, "Narrow Text"), "narrow text!");
+    QXLToStrW(-12345, wide, 10);
+    QXStrToLW(wide, nullptr, 10);
+}
+
+void UseConversions() {
+    char16_t wide[64];
+    char narrow[128];
+    size_t length = 0;
+    QXEncUTF8ToUTF16(wide, 64, &length, "\xC3\xA4 and \xF0\x9F\x98\x80", -1, -1);
+    QXEncUTF16ToUTF8(narrow, 128, &length, wide, static_cast<int32_t>(length), -1);
+    QXAnsiToUnicode(wide, narrow, 64);
+    QXUnicodeToAnsi(narrow, wide, 128);
+}
+
+// The first run may bind symbols and learn of the processor; the second has nothing but its work.
+int EndsWithoutSystemCall(const std::function<void()>& action) {
+    action();
+    prctl(PR_SET_SECCOMP, SECCOMP_MODE_STRICT);
+    action();
+    return static_cast<int>(syscall(SYS_exit, 0));
+}
+
+TEST(HotPaths, MakeNoSystemCall) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "the sanitizer makes system calls of its own";
+#endif
+    for (const auto& action : {UseMutex, UseStrings, UseConversions}) {
+        EXPECT_EQ(0, ChildProcess([&] { return EndsWithoutSystemCall(action); }).Wait());
+        // A process of several threads takes other ways.
+        ChildProcess threaded([&] {
+            std::thread([] {}).join();
+            return EndsWithoutSystemCall(action);
+        });
+        EXPECT_EQ(0, threaded.Wait());
+    }
+}
+
+}  // namespace
