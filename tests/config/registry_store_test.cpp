@@ -197,8 +197,11 @@ void MakeForeignDatabase(const std::filesystem::path& file) {
 }
 
 void MakeCutStore(const std::filesystem::path& file) {
-    ChildProcess([] { return SetText(u"k", u"v", u"text"); }, ChildEnd::kThroughExitHandlers)
-        .Wait();
+    ChildProcess([] { return SetText(u"k", u"v", u"text"); }).Wait();
+    sqlite3* database = nullptr;
+    sqlite3_open(file.c_str(), &database);
+    sqlite3_exec(database, "PRAGMA wal_checkpoint(TRUNCATE)", nullptr, nullptr, nullptr);
+    sqlite3_close(database);
     std::filesystem::resize_file(file, 5000);
 }
 

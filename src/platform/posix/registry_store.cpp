@@ -168,6 +168,7 @@ bool RegistryStore::Open(Purpose purpose) {
     ThrowIf(s_forkUnderWay, kErrorBusy);
     if (m_database != nullptr && IsTimeToLook(purpose) && FileAtPlace() != m_connectedFile) {
         Close(Closing::kForAWhile);
+        ++m_incarnation;
     }
     if (m_database != nullptr) {
         return true;
