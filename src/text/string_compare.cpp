@@ -20,14 +20,6 @@ i32 SignOf(i32 difference) {
     return (difference > 0) - (difference < 0);
 }
 
-i32 DifferenceAt(const char16_t* first, const char16_t* second, std::size_t index) {
-    return first[index] - second[index];
-}
-
-i32 Difference(const char16_t* first, const char16_t* second) {
-    return DifferenceAt(first, second, unit_scan::FindDifference(first, second));
-}
-
 bool IsAscii(char unit) {
     return static_cast<u8>(unit) < 0x80;
 }
@@ -49,11 +41,11 @@ int32_t QXStrCmpA(const char* first, const char* second) {
 }
 
 int32_t QXStrCmpW(const wchar* first, const wchar* second) {
-    return SignOf(Difference(first, second));
+    return unit_scan::Order(first, second);
 }
 
 int32_t QXStrCmpUCS2(const wchar* first, const wchar* second) {
-    return Difference(first, second);
+    return unit_scan::Compare(first, second);
 }
 
 int32_t QXStrCmpUTF16(const wchar* first, const wchar* second) {
@@ -84,8 +76,7 @@ int32_t QXStrNCmpA(const char* first, const char* second, size_t count) {
 }
 
 int32_t QXStrNCmpW(const wchar* first, const wchar* second, size_t count) {
-    const std::size_t index = unit_scan::FindDifference(first, second, count);
-    return index < count ? DifferenceAt(first, second, index) : 0;
+    return unit_scan::Compare(first, second, count);
 }
 
 int32_t QXStrNCmpUTF16(const wchar* first, const wchar* second, size_t count) {

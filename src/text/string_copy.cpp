@@ -93,8 +93,7 @@ char* QXStrCpyA(char* target, const char* source) {
 }
 
 wchar* QXStrCpyW(wchar* target, const wchar* source) {
-    Move(target, source, unit_scan::FindEnd(source) + 1);
-    return target;
+    return unit_scan::Copy(target, source);
 }
 
 char* QXStrCatA(char* target, const char* source) {

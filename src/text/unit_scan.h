@@ -61,13 +61,17 @@ struct FoldAscii {
 struct Loops {
     std::size_t (*findEnd)(const char16_t* text);
     std::size_t (*findEndWithin)(const char16_t* text, std::size_t limit);
-    std::size_t (*findUnitOrEnd)(const char16_t* text, char16_t unit);
+    const char16_t* (*findUnit)(const char16_t* text, char16_t unit);
     const char16_t* (*findLast)(const char16_t* text, char16_t unit);
     std::size_t (*findNotAsciiNarrow)(const char* text);
     std::size_t (*findNotAsciiWide)(const char16_t* text);
-    std::size_t (*findDifference)(const char16_t* first, const char16_t* second, std::size_t limit);
+    std::size_t (*findDifference)(const char16_t* first, const char16_t* second);
     std::size_t (*findLowerDifference)(const char16_t* first, const char16_t* second);
     std::size_t (*findUpperDifference)(const char* first, const char* second, std::size_t limit);
+    i32 (*compare)(const char16_t* first, const char16_t* second);
+    i32 (*compareWithin)(const char16_t* first, const char16_t* second, std::size_t limit);
+    i32 (*order)(const char16_t* first, const char16_t* second);
+    char16_t* (*copy)(char16_t* target, const char16_t* source);
 };
 
 extern const Loops kUnitLoops;
@@ -76,14 +80,11 @@ extern const Loops kSse2Loops;
 extern const Loops kAvx2Loops;
 #endif
 
-// Null until somebody asked.
-extern std::atomic<const Loops*> s_bestLoops;
-const Loops& ChooseLoops();
+// The best for this processor. Up to the first call, loops that find out which those are.
+extern constinit std::atomic<const Loops*> s_bestLoops;
 
-// The best for this processor.
 inline const Loops& BestLoops() {
-    const Loops* const best = s_bestLoops.load(std::memory_order_relaxed);
-    return best != nullptr ? *best : ChooseLoops();
+    return *s_bestLoops.load(std::memory_order_relaxed);
 }
 
 // The index of the terminator.
@@ -96,11 +97,12 @@ inline std::size_t FindEnd(const char16_t* text, std::size_t limit) {
     return BestLoops().findEndWithin(text, limit);
 }
 
-inline std::size_t FindUnitOrEnd(const char16_t* text, char16_t unit) {
-    return BestLoops().findUnitOrEnd(text, unit);
+// The first place of a unit in a text, the terminator included, or null.
+inline const char16_t* FindUnit(const char16_t* text, char16_t unit) {
+    return BestLoops().findUnit(text, unit);
 }
 
-// The last place of a unit in a text, the terminator included, or null.
+// The last one.
 inline const char16_t* FindLast(const char16_t* text, char16_t unit) {
     return BestLoops().findLast(text, unit);
 }
@@ -114,10 +116,9 @@ inline std::size_t FindNotAscii(const char16_t* text) {
     return BestLoops().findNotAsciiWide(text);
 }
 
-// The index of the first units that differ, or of both terminators, or the limit.
-inline std::size_t FindDifference(const char16_t* first, const char16_t* second,
-                                  std::size_t limit = kUnlimited) {
-    return BestLoops().findDifference(first, second, limit);
+// The index of the first units that differ, or of both terminators.
+inline std::size_t FindDifference(const char16_t* first, const char16_t* second) {
+    return BestLoops().findDifference(first, second);
 }
 
 // The same for texts of which A to Z are mapped to lower case.
@@ -130,6 +131,27 @@ inline std::size_t FindLowerDifference(const char16_t* first, const char16_t* se
 inline std::size_t FindUpperDifference(const char* first, const char* second,
                                        std::size_t limit = kUnlimited) {
     return BestLoops().findUpperDifference(first, second, limit);
+}
+
+// The difference of the first units that differ, or 0.
+inline i32 Compare(const char16_t* first, const char16_t* second) {
+    return BestLoops().compare(first, second);
+}
+
+// The same for texts of at most so many units.
+inline i32 Compare(const char16_t* first, const char16_t* second, std::size_t limit) {
+    return BestLoops().compareWithin(first, second, limit);
+}
+
+// Its sign: -1, 0 or 1.
+inline i32 Order(const char16_t* first, const char16_t* second) {
+    return BestLoops().order(first, second);
+}
+
+// Copies a text with its terminator and gives the target. Works like a loop from the first unit on,
+// also where the target overlaps the source from below.
+inline char16_t* Copy(char16_t* target, const char16_t* source) {
+    return BestLoops().copy(target, source);
 }
 
 }  // namespace unit_scan

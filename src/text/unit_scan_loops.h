@@ -19,9 +19,19 @@
 namespace unit_scan {
 namespace {
 
-constexpr std::size_t Smaller(std::size_t first, std::size_t second) {
-    return first < second ? first : second;
-}
+// How many units count.
+
+struct NoLimit {
+    bool Allows(std::size_t) const { return true; }
+    std::size_t Cut(std::size_t index) const { return index; }
+};
+
+struct Limit {
+    std::size_t m_units;
+
+    bool Allows(std::size_t index) const { return index < m_units; }
+    std::size_t Cut(std::size_t index) const { return index < m_units ? index : m_units; }
+};
 
 template <typename Unit>
 Plain<Unit> PlainUnit(Unit unit) {
@@ -90,18 +100,13 @@ struct AlikeButForCaseAndAscii {
 
 #ifdef QX_SCAN_UNITS_ALONE
 
-template <typename Unit, typename Test>
-std::size_t FindFirst(const Unit* text, std::size_t limit, Test test) {
+template <typename Unit, typename Count, typename Test>
+std::size_t FindFirst(const Unit* text, Count limit, Test test) {
     std::size_t index = 0;
-    while (index < limit && !test(PlainUnit(text[index]))) {
+    while (limit.Allows(index) && !test(PlainUnit(text[index]))) {
         ++index;
     }
     return index;
-}
-
-template <typename Unit, typename Test>
-std::size_t FindFirst(const Unit* text, Test test) {
-    return FindFirst(text, kUnlimited, test);
 }
 
 const char16_t* FindLastUnit(const char16_t* text, char16_t unit) {
@@ -114,13 +119,19 @@ const char16_t* FindLastUnit(const char16_t* text, char16_t unit) {
     }
 }
 
-template <typename Unit, typename Test>
-std::size_t FindPair(const Unit* first, const Unit* second, std::size_t limit, Test test) {
+template <typename Unit, typename Count, typename Test>
+std::size_t FindPair(const Unit* first, const Unit* second, Count limit, Test test) {
     std::size_t index = 0;
-    while (index < limit && test(PlainUnit(first[index]), PlainUnit(second[index]))) {
+    while (limit.Allows(index) && test(PlainUnit(first[index]), PlainUnit(second[index]))) {
         ++index;
     }
     return index;
+}
+
+char16_t* CopyText(char16_t* target, const char16_t* source) {
+    for (std::size_t index = 0; (target[index] = source[index]) != 0; ++index) {
+    }
+    return target;
 }
 
 #else
@@ -167,117 +178,268 @@ unsigned MaskOf(Lanes lanes) {
 }
 
 std::size_t LowestBit(unsigned mask) {
-    return static_cast<std::size_t>(__builtin_ctz(mask));
+    return static_cast<unsigned>(__builtin_ctz(mask));
 }
 
-// The index of the first unit that passes the test. The test holds for the terminator.
-template <typename Unit, typename Test>
-std::size_t FindFirst(const Unit* text, Test test) {
-    const unsigned lead = Lead(text);
-    const char* const bytes = reinterpret_cast<const char*>(text);
-    unsigned mask = MaskOf(test(Load<Unit>(bytes - lead))) >> lead;
-    if (mask != 0) {
-        return LowestBit(mask) / sizeof(Unit);
-    }
-    std::size_t at = kBlockSize - lead;
-    while ((mask = MaskOf(test(Load<Unit>(bytes + at)))) == 0) {
-        at += kBlockSize;
-    }
-    return (at + LowestBit(mask)) / sizeof(Unit);
+std::size_t HighestBit(unsigned mask) {
+    return 31 - static_cast<unsigned>(__builtin_clz(mask));
 }
 
-// The same, or the limit.
-template <typename Unit, typename Test>
-std::size_t FindFirst(const Unit* text, std::size_t limit, Test test) {
-    if (limit == 0) {
-        return 0;
-    }
-    const unsigned lead = Lead(text);
-    const char* const bytes = reinterpret_cast<const char*>(text);
-    const std::size_t end = limit < kUnlimited / sizeof(Unit) ? limit * sizeof(Unit) : kUnlimited;
-    unsigned mask = MaskOf(test(Load<Unit>(bytes - lead))) >> lead;
-    std::size_t at = 0;
-    for (std::size_t next = kBlockSize - lead; mask == 0 && next < end; next += kBlockSize) {
-        at = next;
-        mask = MaskOf(test(Load<Unit>(bytes + at)));
-    }
-    return mask != 0 ? Smaller(limit, (at + LowestBit(mask)) / sizeof(Unit)) : limit;
-}
+// How much is looked at, window by window, after one look at where the page ends.
+constexpr std::size_t kGroupSize = 4 * kBlockSize;
 
-const char16_t* FindLastUnit(const char16_t* text, char16_t unit) {
-    const char* found = nullptr;
-    const unsigned lead = Lead(text);
-    const char* block = reinterpret_cast<const char*>(text) - lead;
-    for (unsigned valid = ~0u << lead;; valid = ~0u, block += kBlockSize) {
-        const Block<char16_t> units = Load<char16_t>(block);
-        const unsigned ends = MaskOf(units == Block<char16_t>{}) & valid;
-        // Up to both bytes of the terminator.
-        const unsigned inside = ends == 0 ? valid : valid & ((ends ^ (ends - 1)) * 2 + 1);
-        const unsigned hits = MaskOf(units == static_cast<u16>(unit)) & inside;
-        if (hits != 0) {
-            found = block + (31 - __builtin_clz(hits)) - 1;
-        }
-        if (ends != 0) {
-            return reinterpret_cast<const char16_t*>(found);
-        }
-    }
-}
-
-std::size_t RoomInPage(const void* address) {
+// Whether so many bytes from an address on may reach into the next page.
+bool IsNearPageEnd(std::uintptr_t address, std::size_t size) {
     constexpr std::size_t kSmallestPage = 4096;
-    return kSmallestPage - reinterpret_cast<std::uintptr_t>(address) % kSmallestPage;
+    return address % kSmallestPage > kSmallestPage - size;
+}
+
+template <typename Unit>
+std::uintptr_t AddressOf(const Unit* text) {
+    return reinterpret_cast<std::uintptr_t>(text);
+}
+
+// The offset in bytes of the first hit in a group, or the group's size. The function gives the hits
+// in the window at an offset.
+template <typename HitsAt>
+[[gnu::always_inline]] inline std::size_t FindInGroup(HitsAt hitsAt) {
+    unsigned hits = 0;
+    if ((hits = hitsAt(0 * kBlockSize)) != 0) {
+        return 0 * kBlockSize + LowestBit(hits);
+    }
+    if ((hits = hitsAt(1 * kBlockSize)) != 0) {
+        return 1 * kBlockSize + LowestBit(hits);
+    }
+    if ((hits = hitsAt(2 * kBlockSize)) != 0) {
+        return 2 * kBlockSize + LowestBit(hits);
+    }
+    if ((hits = hitsAt(3 * kBlockSize)) != 0) {
+        return 3 * kBlockSize + LowestBit(hits);
+    }
+    return kGroupSize;
+}
+
+// The hits from an address to the end of its block.
+template <typename Unit, typename Test>
+unsigned HitsInBlock(const Unit* text, Test test) {
+    const unsigned lead = Lead(text);
+    return MaskOf(test(Load<Unit>(reinterpret_cast<const char*>(text) - lead))) >> lead;
+}
+
+template <typename Unit>
+std::size_t UnitsToBlockEnd(const Unit* text) {
+    return (kBlockSize - Lead(text)) / sizeof(Unit);
+}
+
+// The index of the first unit that passes the test, or the limit. Without a limit, the test holds
+// for the terminator.
+template <typename Unit, typename Count, typename Test>
+[[gnu::always_inline]] inline std::size_t FindFirst(const Unit* text, Count limit, Test test) {
+    std::size_t index = 0;
+    while (limit.Allows(index)) {
+        const Unit* const at = text + index;
+        if (!IsNearPageEnd(AddressOf(at), kGroupSize)) [[likely]] {
+            const std::size_t offset = FindInGroup([=](std::size_t windowOffset) {
+                return MaskOf(test(LoadUnaligned(at + windowOffset / sizeof(Unit))));
+            });
+            index += offset / sizeof(Unit);
+            if (offset < kGroupSize) {
+                return limit.Cut(index);
+            }
+        } else {
+            const unsigned hits = HitsInBlock(at, test);
+            if (hits != 0) {
+                return limit.Cut(index + LowestBit(hits) / sizeof(Unit));
+            }
+            index += UnitsToBlockEnd(at);
+        }
+    }
+    return limit.Cut(index);
+}
+
+struct IsUnit {
+    u16 m_unit;
+
+    template <typename Value>
+    auto operator()(Value value) const {
+        return value == m_unit;
+    }
+};
+
+// The hits among the first units of a text, fewer than a window holds.
+template <typename Test>
+unsigned HitsInHead(const char16_t* text, std::size_t count, Test test) {
+    const std::size_t bytes = count * sizeof(char16_t);
+    if (IsNearPageEnd(AddressOf(text), kBlockSize)) {
+        const Block<char16_t> window = LoadUnaligned(text + count - kBlockSize / sizeof(char16_t));
+        return MaskOf(test(window)) >> (kBlockSize - bytes);
+    }
+    return MaskOf(test(LoadUnaligned(text))) & ((1u << bytes) - 1);
+}
+
+// Backwards from the end, which is found first.
+const char16_t* FindLastUnit(const char16_t* text, char16_t unit) {
+    constexpr std::size_t kUnits = kBlockSize / sizeof(char16_t);
+    const IsUnit test{unit};
+    std::size_t count = FindFirst(text, NoLimit(), IsEnd()) + 1;
+    unsigned hits = 0;
+    while (hits == 0 && count >= kUnits) {
+        count -= kUnits;
+        hits = MaskOf(test(LoadUnaligned(text + count)));
+    }
+    if (hits == 0 && count != 0) {
+        hits = HitsInHead(text, count, test);
+        count = 0;
+    }
+    return hits != 0 ? text + count + HighestBit(hits) / sizeof(char16_t) : nullptr;
+}
+
+template <typename Unit, typename Test>
+unsigned FailuresOf(const Unit* first, const Unit* second, Test test) {
+    return MaskOf(test(LoadUnaligned(first), LoadUnaligned(second))) ^ kFullMask;
 }
 
 // The index of the first pair of units that fails the test, or the limit. Two texts can stand at
-// different places in their blocks, so their windows stand anywhere, but never across the end of a
-// page.
-template <typename Unit, typename Test>
-std::size_t FindPair(const Unit* first, const Unit* second, std::size_t limit, Test test) {
-    constexpr std::size_t kUnits = kBlockSize / sizeof(Unit);
-    for (std::size_t index = 0; index < limit;) {
-        const std::size_t room =
-            Smaller(RoomInPage(first + index), RoomInPage(second + index)) / sizeof(Unit);
-        if (room < kUnits) {
-            if (!test(PlainUnit(first[index]), PlainUnit(second[index]))) {
-                return index;
+// different places in their blocks, so close to the end of a page windows do not fit.
+template <typename Unit, typename Count, typename Test>
+[[gnu::always_inline]] inline std::size_t FindPair(const Unit* first, const Unit* second,
+                                                   Count limit, Test test) {
+    std::size_t index = 0;
+    while (limit.Allows(index)) {
+        const Unit* const one = first + index;
+        const Unit* const other = second + index;
+        // Together, the bits give a place behind neither of the two.
+        if (!IsNearPageEnd(AddressOf(one) | AddressOf(other), kGroupSize)) [[likely]] {
+            const std::size_t offset = FindInGroup([=](std::size_t windowOffset) {
+                const std::size_t units = windowOffset / sizeof(Unit);
+                return FailuresOf(one + units, other + units, test);
+            });
+            index += offset / sizeof(Unit);
+            if (offset < kGroupSize) {
+                return limit.Cut(index);
             }
+        } else if (!IsNearPageEnd(AddressOf(one), kBlockSize) &&
+                   !IsNearPageEnd(AddressOf(other), kBlockSize)) {
+            const unsigned failures = FailuresOf(one, other, test);
+            if (failures != 0) {
+                return limit.Cut(index + LowestBit(failures) / sizeof(Unit));
+            }
+            index += kBlockSize / sizeof(Unit);
+        } else if (test(PlainUnit(*one), PlainUnit(*other))) {
             ++index;
-            continue;
-        }
-        for (const std::size_t end = Smaller(limit, index + room / kUnits * kUnits); index < end;
-             index += kUnits) {
-            const unsigned mask =
-                MaskOf(test(LoadUnaligned(first + index), LoadUnaligned(second + index)));
-            if (mask != kFullMask) {
-                return Smaller(limit, index + LowestBit(~mask) / sizeof(Unit));
-            }
+        } else {
+            return index;
         }
     }
-    return limit;
+    return limit.Cut(index);
+}
+
+// Copies from one part's size to twice that. Both are loaded before one is stored.
+template <typename Part>
+void CopyTwoParts(char* target, const char* source, std::size_t size) {
+    Part head;
+    Part tail;
+    __builtin_memcpy(&head, source, sizeof head);
+    __builtin_memcpy(&tail, source + size - sizeof tail, sizeof tail);
+    __builtin_memcpy(target, &head, sizeof head);
+    __builtin_memcpy(target + size - sizeof tail, &tail, sizeof tail);
+}
+
+void CopyUpToBlock(char16_t* target, const char16_t* source, std::size_t size) {
+    char* const to = reinterpret_cast<char*>(target);
+    const char* const from = reinterpret_cast<const char*>(source);
+    if (size >= sizeof(__m128i)) {
+        CopyTwoParts<__m128i>(to, from, size);
+    } else if (size >= sizeof(u64)) {
+        CopyTwoParts<u64>(to, from, size);
+    } else if (size >= sizeof(u32)) {
+        CopyTwoParts<u32>(to, from, size);
+    } else {
+        *target = *source;
+    }
+}
+
+// Nothing of the source is read again after something behind it was stored.
+char16_t* CopyText(char16_t* target, const char16_t* source) {
+    for (std::size_t index = 0;;) {
+        char16_t* const to = target + index;
+        const char16_t* const from = source + index;
+        if (!IsNearPageEnd(AddressOf(from), kGroupSize)) [[likely]] {
+            const std::size_t offset = FindInGroup([=](std::size_t windowOffset) {
+                const std::size_t units = windowOffset / sizeof(char16_t);
+                const auto window = LoadUnaligned(from + units);
+                const unsigned ends = MaskOf(IsEnd()(window));
+                if (ends == 0) {
+                    __builtin_memcpy(to + units, &window, sizeof window);
+                }
+                return ends;
+            });
+            if (offset < kGroupSize) {
+                const std::size_t units = offset / kBlockSize * kBlockSize / sizeof(char16_t);
+                CopyUpToBlock(to + units, from + units, offset % kBlockSize + sizeof(char16_t));
+                return target;
+            }
+            index += kGroupSize / sizeof(char16_t);
+        } else {
+            const unsigned ends = HitsInBlock(from, IsEnd());
+            if (ends != 0) {
+                CopyUpToBlock(to, from, LowestBit(ends) + sizeof(char16_t));
+                return target;
+            }
+            CopyUpToBlock(to, from, kBlockSize - Lead(from));
+            index += UnitsToBlockEnd(from);
+        }
+    }
 }
 
 #endif
 
+const char16_t* FindUnitOrNull(const char16_t* text, char16_t unit) {
+    const char16_t* const found = text + FindFirst(text, NoLimit(), IsEndOrUnit{unit});
+    return *found == unit ? found : nullptr;
+}
+
+template <typename Count>
+[[gnu::always_inline]] inline i32 Difference(const char16_t* first, const char16_t* second,
+                                             Count limit) {
+    const std::size_t index = FindPair(first, second, limit, Alike());
+    return limit.Allows(index) ? first[index] - second[index] : 0;
+}
+
 constexpr Loops kLoops = {
-    .findEnd = [](const char16_t* text) { return FindFirst(text, IsEnd()); },
+    .findEnd = [](const char16_t* text) { return FindFirst(text, NoLimit(), IsEnd()); },
     .findEndWithin = [](const char16_t* text,
-                        std::size_t limit) { return FindFirst(text, limit, IsEnd()); },
-    .findUnitOrEnd = [](const char16_t* text,
-                        char16_t unit) { return FindFirst(text, IsEndOrUnit{unit}); },
+                        std::size_t limit) { return FindFirst(text, Limit{limit}, IsEnd()); },
+    .findUnit = FindUnitOrNull,
     .findLast = FindLastUnit,
-    .findNotAsciiNarrow = [](const char* text) { return FindFirst(text, IsEndOrNotAscii<char>()); },
+    .findNotAsciiNarrow =
+        [](const char* text) { return FindFirst(text, NoLimit(), IsEndOrNotAscii<char>()); },
     .findNotAsciiWide =
-        [](const char16_t* text) { return FindFirst(text, IsEndOrNotAscii<char16_t>()); },
-    .findDifference = [](const char16_t* first, const char16_t* second,
-                         std::size_t limit) { return FindPair(first, second, limit, Alike()); },
+        [](const char16_t* text) {
+            return FindFirst(text, NoLimit(), IsEndOrNotAscii<char16_t>());
+        },
+    .findDifference =
+        [](const char16_t* first, const char16_t* second) {
+            return FindPair(first, second, NoLimit(), Alike());
+        },
     .findLowerDifference =
         [](const char16_t* first, const char16_t* second) {
-            return FindPair(first, second, kUnlimited, AlikeButForCase<char16_t>());
+            return FindPair(first, second, NoLimit(), AlikeButForCase<char16_t>());
         },
     .findUpperDifference =
         [](const char* first, const char* second, std::size_t limit) {
-            return FindPair(first, second, limit, AlikeButForCaseAndAscii());
+            return FindPair(first, second, Limit{limit}, AlikeButForCaseAndAscii());
         },
+    .compare = [](const char16_t* first,
+                  const char16_t* second) { return Difference(first, second, NoLimit()); },
+    .compareWithin = [](const char16_t* first, const char16_t* second,
+                        std::size_t limit) { return Difference(first, second, Limit{limit}); },
+    .order =
+        [](const char16_t* first, const char16_t* second) {
+            const i32 difference = Difference(first, second, NoLimit());
+            return (difference > 0) - (difference < 0);
+        },
+    .copy = CopyText,
 };
 
 }  // namespace

@@ -44,7 +44,7 @@ const Loops& LoopsOf(int index) {
     if (index == 1) {
         return unit_scan::kSse2Loops;
     }
-    if (index == 2 && __builtin_cpu_supports("avx2")) {
+    if (index == 2 && platform::ProcessorHasAvx2()) {
         return unit_scan::kAvx2Loops;
     }
 #endif
@@ -111,14 +111,14 @@ TEST_P(UnitScan, PairsOfTextsAreComparedWithinTheirPages) {
             const char16_t* const text = m_first.Place(units + u'\0', bytesBehind, atEnd);
             units.append(length % 3, u'k');
             const char16_t* const other = m_second.Place(units + u'\0', otherBehind, atEnd);
-            ASSERT_EQ(m_loops.findDifference(text, other, kUnlimited), length);
-            ASSERT_EQ(m_loops.findDifference(other, text, kUnlimited), length);
+            ASSERT_EQ(m_loops.findDifference(text, other), length);
+            ASSERT_EQ(m_loops.findDifference(other, text), length);
             ASSERT_EQ(m_loops.findDifference(other, text, length / 2), length / 2);
             ASSERT_EQ(m_loops.findLowerDifference(text, other), length);
             if (length > 0) {
                 units[length / 2] = u'k';
                 const char16_t* const small = m_second.Place(units + u'\0', otherBehind, atEnd);
-                ASSERT_EQ(m_loops.findDifference(text, small, kUnlimited), length / 2);
+                ASSERT_EQ(m_loops.findDifference(text, small), length / 2);
                 ASSERT_EQ(m_loops.findLowerDifference(text, small), length);
             }
         });
