@@ -20,18 +20,9 @@ i32 SignOf(i32 difference) {
     return (difference > 0) - (difference < 0);
 }
 
-bool IsAscii(char unit) {
-    return static_cast<u8>(unit) < 0x80;
-}
-
-// The difference of the units as upper case in ASCII; the rest of the texts goes to the other
-// function, which maps to lower case, as soon as one of the units is not ASCII.
-template <typename Rest>
-i32 UpperDifference(const char* first, const char* second, std::size_t index, Rest compareRest) {
-    if (IsAscii(first[index]) && IsAscii(second[index])) {
-        return platform::toupper(first[index]) - platform::toupper(second[index]);
-    }
-    return compareRest(first + index, second + index);
+// Behind the first unit that is not ASCII, lower case decides.
+i32 CompareLower(const char* first, const char* second, std::size_t count) {
+    return platform::_strnicmp(first, second, count);
 }
 
 }  // namespace
@@ -53,8 +44,7 @@ int32_t QXStrCmpUTF16(const wchar* first, const wchar* second) {
 }
 
 int32_t QXStrICmpA(const char* first, const char* second) {
-    const std::size_t index = unit_scan::FindUpperDifference(first, second);
-    return UpperDifference(first, second, index, platform::_stricmp);
+    return unit_scan::CompareUpper(first, second, unit_scan::kUnlimited, CompareLower);
 }
 
 int32_t QXStrICmpW(const wchar* first, const wchar* second) {
@@ -84,14 +74,7 @@ int32_t QXStrNCmpUTF16(const wchar* first, const wchar* second, size_t count) {
 }
 
 int32_t QXStrNICmpA(const char* first, const char* second, size_t count) {
-    const std::size_t index = unit_scan::FindUpperDifference(first, second, count);
-    if (index == count) {
-        return 0;
-    }
-    const auto compareRest = [=](const char* restOfFirst, const char* restOfSecond) {
-        return platform::_strnicmp(restOfFirst, restOfSecond, count - index);
-    };
-    return UpperDifference(first, second, index, compareRest);
+    return unit_scan::CompareUpper(first, second, count, CompareLower);
 }
 
 int32_t QXStrNICmpW(const wchar* first, const wchar* second, size_t count) {

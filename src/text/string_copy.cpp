@@ -88,8 +88,7 @@ char* CopyList(char* target, i32 numberOfStrings, va_list strings) {
 }  // namespace
 
 char* QXStrCpyA(char* target, const char* source) {
-    Move(target, source, std::strlen(source) + 1);
-    return target;
+    return unit_scan::Copy(target, source);
 }
 
 wchar* QXStrCpyW(wchar* target, const wchar* source) {

@@ -46,11 +46,12 @@ constexpr Loops kFirstLoops = {
     .findNotAsciiWide = First<&Loops::findNotAsciiWide>::Call,
     .findDifference = First<&Loops::findDifference>::Call,
     .findLowerDifference = First<&Loops::findLowerDifference>::Call,
-    .findUpperDifference = First<&Loops::findUpperDifference>::Call,
     .compare = First<&Loops::compare>::Call,
     .compareWithin = First<&Loops::compareWithin>::Call,
     .order = First<&Loops::order>::Call,
-    .copy = First<&Loops::copy>::Call,
+    .compareUpper = First<&Loops::compareUpper>::Call,
+    .copyNarrow = First<&Loops::copyNarrow>::Call,
+    .copyWide = First<&Loops::copyWide>::Call,
 };
 
 }  // namespace

@@ -28,6 +28,21 @@ constexpr std::size_t kUnlimited = SIZE_MAX;
 template <typename Unit>
 using Plain = std::conditional_t<sizeof(Unit) == 1, u8, u16>;
 
+// The same bits as signed numbers, of a unit or of a block of units: processors compare those best.
+
+inline signed char AsSigned(u8 unit) {
+    return static_cast<signed char>(unit);
+}
+
+inline i16 AsSigned(u16 unit) {
+    return static_cast<i16>(unit);
+}
+
+template <typename Block>
+auto AsSigned(Block units) {
+    return (decltype(units == units))units;
+}
+
 // Maps a range of ASCII letters, of which kFrom is the first, to the other case. The value is one
 // unit or, in the loops behind this header, a block of units.
 template <typename Unit, char kFrom>
@@ -37,12 +52,15 @@ struct FoldAscii {
         return static_cast<Value>(value ^ CaseBitIfLetter(value));
     }
 
-    // The bit in which the cases differ, or 0 for what is no letter of the range.
+    // The bit in which the cases differ, or 0 for what is no letter of the range. The letters are
+    // moved to the greatest numbers there are, so that one comparison tells them.
     template <typename Value>
     static Value CaseBitIfLetter(Value value) {
-        constexpr Plain<Unit> kFirst = kFrom;
-        constexpr Plain<Unit> kCount = 26;
-        return CaseBitIf<Value>(static_cast<Value>(value - kFirst) < Value{} + kCount);
+        constexpr Plain<Unit> kGreatest = Plain<Unit>(~0u) / 2;
+        constexpr Plain<Unit> kBelow = kGreatest - 26;
+        constexpr Plain<Unit> kToGreatest = kBelow + 1 - kFrom;
+        const auto moved = static_cast<Value>(value + kToGreatest);
+        return CaseBitIf<Value>(AsSigned(moved) > AsSigned(static_cast<Value>(Value{} + kBelow)));
     }
 
   private:
@@ -58,6 +76,8 @@ struct FoldAscii {
     }
 };
 
+using CompareRest = i32(const char* first, const char* second, std::size_t limit);
+
 struct Loops {
     std::size_t (*findEnd)(const char16_t* text);
     std::size_t (*findEndWithin)(const char16_t* text, std::size_t limit);
@@ -67,11 +87,13 @@ struct Loops {
     std::size_t (*findNotAsciiWide)(const char16_t* text);
     std::size_t (*findDifference)(const char16_t* first, const char16_t* second);
     std::size_t (*findLowerDifference)(const char16_t* first, const char16_t* second);
-    std::size_t (*findUpperDifference)(const char* first, const char* second, std::size_t limit);
     i32 (*compare)(const char16_t* first, const char16_t* second);
     i32 (*compareWithin)(const char16_t* first, const char16_t* second, std::size_t limit);
     i32 (*order)(const char16_t* first, const char16_t* second);
-    char16_t* (*copy)(char16_t* target, const char16_t* source);
+    i32 (*compareUpper)(const char* first, const char* second, std::size_t limit,
+                        CompareRest* compareRest);
+    char* (*copyNarrow)(char* target, const char* source);
+    char16_t* (*copyWide)(char16_t* target, const char16_t* source);
 };
 
 extern const Loops kUnitLoops;
@@ -126,13 +148,6 @@ inline std::size_t FindLowerDifference(const char16_t* first, const char16_t* se
     return BestLoops().findLowerDifference(first, second);
 }
 
-// The same for texts of which a to z are mapped to upper case, or the index of the first units of
-// which one is from 0x80 up, if that comes first.
-inline std::size_t FindUpperDifference(const char* first, const char* second,
-                                       std::size_t limit = kUnlimited) {
-    return BestLoops().findUpperDifference(first, second, limit);
-}
-
 // The difference of the first units that differ, or 0.
 inline i32 Compare(const char16_t* first, const char16_t* second) {
     return BestLoops().compare(first, second);
@@ -148,10 +163,21 @@ inline i32 Order(const char16_t* first, const char16_t* second) {
     return BestLoops().order(first, second);
 }
 
+// The difference of the first units that differ when a to z are mapped to upper case, or 0. As soon
+// as one of the units is from 0x80 up, the function compares what is left, units and limit.
+inline i32 CompareUpper(const char* first, const char* second, std::size_t limit,
+                        CompareRest* compareRest) {
+    return BestLoops().compareUpper(first, second, limit, compareRest);
+}
+
 // Copies a text with its terminator and gives the target. Works like a loop from the first unit on,
 // also where the target overlaps the source from below.
+inline char* Copy(char* target, const char* source) {
+    return BestLoops().copyNarrow(target, source);
+}
+
 inline char16_t* Copy(char16_t* target, const char16_t* source) {
-    return BestLoops().copy(target, source);
+    return BestLoops().copyWide(target, source);
 }
 
 }  // namespace unit_scan

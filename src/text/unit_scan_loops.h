@@ -81,20 +81,29 @@ template <typename Unit>
 struct AlikeButForCase {
     template <typename Value>
     auto operator()(Value first, Value second) const {
+        return IsSame(first, second) & (first != Value{});
+    }
+
+    template <typename Value>
+    static auto IsSame(Value first, Value second) {
         constexpr Plain<Unit> kCaseBit = 0x20;
         const auto lower = static_cast<Value>(first | kCaseBit);
         const auto ignored = FoldAscii<Unit, 'a'>::CaseBitIfLetter(lower);
-        const auto difference = static_cast<Value>((first ^ second) & ~ignored);
-        return (difference == Value{}) & (first != Value{});
+        return static_cast<Value>((first ^ second) & ~ignored) == Value{};
     }
 };
+
+template <typename Value>
+auto IsAsciiButEnd(Value value) {
+    return AsSigned(value) > AsSigned(Value{});
+}
+
+// Two units that are the same, also but for the case, are both ASCII if one is.
 
 struct AlikeButForCaseAndAscii {
     template <typename Value>
     auto operator()(Value first, Value second) const {
-        constexpr u8 kLast = 0x7F;
-        return AlikeButForCase<char>()(first, second) &
-               (static_cast<Value>(first | second) <= Value{} + kLast);
+        return AlikeButForCase<char>::IsSame(first, second) & IsAsciiButEnd(first);
     }
 };
 
@@ -128,7 +137,8 @@ std::size_t FindPair(const Unit* first, const Unit* second, Count limit, Test te
     return index;
 }
 
-char16_t* CopyText(char16_t* target, const char16_t* source) {
+template <typename Unit>
+Unit* CopyText(Unit* target, const Unit* source) {
     for (std::size_t index = 0; (target[index] = source[index]) != 0; ++index) {
     }
     return target;
@@ -147,24 +157,30 @@ constexpr unsigned kFullMask = ~0u >> (32 - kBlockSize);
 template <typename Unit>
 struct BlockOf {
     typedef Plain<Unit> Type __attribute__((vector_size(kBlockSize)));
+    typedef Type Unaligned __attribute__((aligned(1), may_alias));
 };
 template <typename Unit>
 using Block = typename BlockOf<Unit>::Type;
+template <typename Unit>
+using UnalignedBlock = typename BlockOf<Unit>::Unaligned;
 
 unsigned Lead(const void* text) {
     return static_cast<unsigned>(reinterpret_cast<std::uintptr_t>(text) % kBlockSize);
 }
 
 template <typename Unit>
-Block<Unit> Load(const char* block) {
+Block<Unit> LoadAligned(const char* block) {
     return (Block<Unit>)*reinterpret_cast<const Raw*>(block);
 }
 
 template <typename Unit>
-Block<Unit> LoadUnaligned(const Unit* text) {
-    Block<Unit> units;
-    __builtin_memcpy(&units, text, sizeof units);
-    return units;
+Block<Unit> Load(const Unit* text) {
+    return *reinterpret_cast<const UnalignedBlock<Unit>*>(text);
+}
+
+template <typename Unit>
+void Store(Unit* text, Block<Unit> units) {
+    *reinterpret_cast<UnalignedBlock<Unit>*>(text) = units;
 }
 
 // A bit for each byte, set where its lane is.
@@ -204,16 +220,16 @@ std::uintptr_t AddressOf(const Unit* text) {
 template <typename HitsAt>
 [[gnu::always_inline]] inline std::size_t FindInGroup(HitsAt hitsAt) {
     unsigned hits = 0;
-    if ((hits = hitsAt(0 * kBlockSize)) != 0) {
+    if ((hits = hitsAt(0 * kBlockSize)) != 0) [[unlikely]] {
         return 0 * kBlockSize + LowestBit(hits);
     }
-    if ((hits = hitsAt(1 * kBlockSize)) != 0) {
+    if ((hits = hitsAt(1 * kBlockSize)) != 0) [[unlikely]] {
         return 1 * kBlockSize + LowestBit(hits);
     }
-    if ((hits = hitsAt(2 * kBlockSize)) != 0) {
+    if ((hits = hitsAt(2 * kBlockSize)) != 0) [[unlikely]] {
         return 2 * kBlockSize + LowestBit(hits);
     }
-    if ((hits = hitsAt(3 * kBlockSize)) != 0) {
+    if ((hits = hitsAt(3 * kBlockSize)) != 0) [[unlikely]] {
         return 3 * kBlockSize + LowestBit(hits);
     }
     return kGroupSize;
@@ -223,7 +239,7 @@ template <typename HitsAt>
 template <typename Unit, typename Test>
 unsigned HitsInBlock(const Unit* text, Test test) {
     const unsigned lead = Lead(text);
-    return MaskOf(test(Load<Unit>(reinterpret_cast<const char*>(text) - lead))) >> lead;
+    return MaskOf(test(LoadAligned<Unit>(reinterpret_cast<const char*>(text) - lead))) >> lead;
 }
 
 template <typename Unit>
@@ -240,16 +256,17 @@ template <typename Unit, typename Count, typename Test>
         const Unit* const at = text + index;
         if (!IsNearPageEnd(AddressOf(at), kGroupSize)) [[likely]] {
             const std::size_t offset = FindInGroup([=](std::size_t windowOffset) {
-                return MaskOf(test(LoadUnaligned(at + windowOffset / sizeof(Unit))));
+                return MaskOf(test(Load(at + windowOffset / sizeof(Unit))));
             });
             index += offset / sizeof(Unit);
             if (offset < kGroupSize) {
-                return limit.Cut(index);
+                break;
             }
         } else {
             const unsigned hits = HitsInBlock(at, test);
             if (hits != 0) {
-                return limit.Cut(index + LowestBit(hits) / sizeof(Unit));
+                index += LowestBit(hits) / sizeof(Unit);
+                break;
             }
             index += UnitsToBlockEnd(at);
         }
@@ -271,10 +288,10 @@ template <typename Test>
 unsigned HitsInHead(const char16_t* text, std::size_t count, Test test) {
     const std::size_t bytes = count * sizeof(char16_t);
     if (IsNearPageEnd(AddressOf(text), kBlockSize)) {
-        const Block<char16_t> window = LoadUnaligned(text + count - kBlockSize / sizeof(char16_t));
+        const Block<char16_t> window = Load(text + count - kBlockSize / sizeof(char16_t));
         return MaskOf(test(window)) >> (kBlockSize - bytes);
     }
-    return MaskOf(test(LoadUnaligned(text))) & ((1u << bytes) - 1);
+    return MaskOf(test(Load(text))) & ((1u << bytes) - 1);
 }
 
 // Backwards from the end, which is found first.
@@ -282,21 +299,19 @@ const char16_t* FindLastUnit(const char16_t* text, char16_t unit) {
     constexpr std::size_t kUnits = kBlockSize / sizeof(char16_t);
     const IsUnit test{unit};
     std::size_t count = FindFirst(text, NoLimit(), IsEnd()) + 1;
-    unsigned hits = 0;
-    while (hits == 0 && count >= kUnits) {
+    while (count >= kUnits) {
         count -= kUnits;
-        hits = MaskOf(test(LoadUnaligned(text + count)));
+        if (const unsigned hits = MaskOf(test(Load(text + count))); hits != 0) {
+            return text + count + HighestBit(hits) / sizeof(char16_t);
+        }
     }
-    if (hits == 0 && count != 0) {
-        hits = HitsInHead(text, count, test);
-        count = 0;
-    }
-    return hits != 0 ? text + count + HighestBit(hits) / sizeof(char16_t) : nullptr;
+    const unsigned hits = count != 0 ? HitsInHead(text, count, test) : 0;
+    return hits != 0 ? text + HighestBit(hits) / sizeof(char16_t) : nullptr;
 }
 
 template <typename Unit, typename Test>
 unsigned FailuresOf(const Unit* first, const Unit* second, Test test) {
-    return MaskOf(test(LoadUnaligned(first), LoadUnaligned(second))) ^ kFullMask;
+    return MaskOf(test(Load(first), Load(second))) ^ kFullMask;
 }
 
 // The index of the first pair of units that fails the test, or the limit. Two texts can stand at
@@ -345,7 +360,10 @@ void CopyTwoParts(char* target, const char* source, std::size_t size) {
     __builtin_memcpy(target + size - sizeof tail, &tail, sizeof tail);
 }
 
-void CopyUpToBlock(char16_t* target, const char16_t* source, std::size_t size) {
+// Inlined, as the compiler leaves the wide registers' upper halves in use around a call.
+template <typename Unit>
+[[gnu::always_inline]] inline void CopyUpToBlock(Unit* target, const Unit* source,
+                                                 std::size_t size) {
     char* const to = reinterpret_cast<char*>(target);
     const char* const from = reinterpret_cast<const char*>(source);
     if (size >= sizeof(__m128i)) {
@@ -354,42 +372,54 @@ void CopyUpToBlock(char16_t* target, const char16_t* source, std::size_t size) {
         CopyTwoParts<u64>(to, from, size);
     } else if (size >= sizeof(u32)) {
         CopyTwoParts<u32>(to, from, size);
+    } else if (size >= sizeof(u16)) {
+        CopyTwoParts<u16>(to, from, size);
     } else {
-        *target = *source;
+        *to = *from;
     }
 }
 
-// Nothing of the source is read again after something behind it was stored.
-char16_t* CopyText(char16_t* target, const char16_t* source) {
-    for (std::size_t index = 0;;) {
-        char16_t* const to = target + index;
-        const char16_t* const from = source + index;
-        if (!IsNearPageEnd(AddressOf(from), kGroupSize)) [[likely]] {
-            const std::size_t offset = FindInGroup([=](std::size_t windowOffset) {
-                const std::size_t units = windowOffset / sizeof(char16_t);
-                const auto window = LoadUnaligned(from + units);
-                const unsigned ends = MaskOf(IsEnd()(window));
-                if (ends == 0) {
-                    __builtin_memcpy(to + units, &window, sizeof window);
-                }
-                return ends;
-            });
-            if (offset < kGroupSize) {
-                const std::size_t units = offset / kBlockSize * kBlockSize / sizeof(char16_t);
-                CopyUpToBlock(to + units, from + units, offset % kBlockSize + sizeof(char16_t));
-                return target;
-            }
-            index += kGroupSize / sizeof(char16_t);
-        } else {
-            const unsigned ends = HitsInBlock(from, IsEnd());
-            if (ends != 0) {
-                CopyUpToBlock(to, from, LowestBit(ends) + sizeof(char16_t));
-                return target;
-            }
-            CopyUpToBlock(to, from, kBlockSize - Lead(from));
-            index += UnitsToBlockEnd(from);
+// Both copy a part of the text and tell whether there is more of it.
+
+template <typename Unit>
+[[gnu::always_inline]] inline bool CopyBlock(Unit*& target, const Unit*& source) {
+    const unsigned ends = HitsInBlock(source, IsEnd());
+    const std::size_t size = ends != 0 ? LowestBit(ends) + sizeof(Unit) : kBlockSize - Lead(source);
+    CopyUpToBlock(target, source, size);
+    target += size / sizeof(Unit);
+    source += size / sizeof(Unit);
+    return ends == 0;
+}
+
+template <typename Unit>
+[[gnu::always_inline]] inline bool CopyGroup(Unit*& target, const Unit*& source) {
+    const std::size_t offset = FindInGroup([=](std::size_t windowOffset) {
+        const std::size_t units = windowOffset / sizeof(Unit);
+        const auto window = Load(source + units);
+        const unsigned ends = MaskOf(IsEnd()(window));
+        if (ends == 0) [[likely]] {
+            Store(target + units, window);
         }
+        return ends;
+    });
+    const std::size_t stored = offset / kBlockSize * kBlockSize / sizeof(Unit);
+    target += stored;
+    source += stored;
+    if (offset == kGroupSize) {
+        return true;
     }
+    CopyUpToBlock(target, source, offset % kBlockSize + sizeof(Unit));
+    return false;
+}
+
+// Nothing of the source is read again after something behind it was stored.
+template <typename Unit>
+Unit* CopyText(Unit* target, const Unit* source) {
+    Unit* to = target;
+    while (IsNearPageEnd(AddressOf(source), kGroupSize) ? CopyBlock(to, source)
+                                                        : CopyGroup(to, source)) {
+    }
+    return target;
 }
 
 #endif
@@ -404,6 +434,19 @@ template <typename Count>
                                              Count limit) {
     const std::size_t index = FindPair(first, second, limit, Alike());
     return limit.Allows(index) ? first[index] - second[index] : 0;
+}
+
+i32 CompareUpper(const char* first, const char* second, std::size_t limit,
+                 CompareRest* compareRest) {
+    const std::size_t index = FindPair(first, second, Limit{limit}, AlikeButForCaseAndAscii());
+    if (index == limit || (first[index] | second[index]) == 0) {
+        return 0;
+    }
+    const FoldAscii<char, 'a'> fold;
+    const auto one = PlainUnit(first[index]);
+    const auto other = PlainUnit(second[index]);
+    return (one | other) < 0x80 ? fold(one) - fold(other)
+                                : compareRest(first + index, second + index, limit - index);
 }
 
 constexpr Loops kLoops = {
@@ -426,10 +469,6 @@ constexpr Loops kLoops = {
         [](const char16_t* first, const char16_t* second) {
             return FindPair(first, second, NoLimit(), AlikeButForCase<char16_t>());
         },
-    .findUpperDifference =
-        [](const char* first, const char* second, std::size_t limit) {
-            return FindPair(first, second, Limit{limit}, AlikeButForCaseAndAscii());
-        },
     .compare = [](const char16_t* first,
                   const char16_t* second) { return Difference(first, second, NoLimit()); },
     .compareWithin = [](const char16_t* first, const char16_t* second,
@@ -439,7 +478,9 @@ constexpr Loops kLoops = {
             const i32 difference = Difference(first, second, NoLimit());
             return (difference > 0) - (difference < 0);
         },
-    .copy = CopyText,
+    .compareUpper = CompareUpper,
+    .copyNarrow = CopyText<char>,
+    .copyWide = CopyText<char16_t>,
 };
 
 }  // namespace
