@@ -2,8 +2,9 @@
 // what that source is compiled for.
 //
 // Loads never touch a page that the text does not: a block stands at a multiple of its size and
-// holds at least one byte of the text, or it does not cross the end of a page. Bytes around the
-// text never decide a result. With QX_SCAN_UNITS_ALONE, units are loaded alone.
+// holds at least one byte of the text, or it is a window, which stands anywhere, but never across
+// the end of a page. Bytes around the text never decide a result. With QX_SCAN_UNITS_ALONE, units
+// are loaded alone.
 //
 // Everything is local to the source: a copy of a shared function that is compiled for a newer
 // processor must not stand in for the plain one.
@@ -11,101 +12,14 @@
 #define QX_TEXT_UNIT_SCAN_LOOPS_H
 
 #include "text/unit_scan.h"
+#include "text/unit_scan_conditions.h"
 
 #ifndef QX_SCAN_UNITS_ALONE
-#include <immintrin.h>
+#include "text/unit_scan_blocks.h"
 #endif
 
 namespace unit_scan {
 namespace {
-
-// How many units count.
-
-struct NoLimit {
-    bool Allows(std::size_t) const { return true; }
-    std::size_t Cut(std::size_t index) const { return index; }
-};
-
-struct Limit {
-    std::size_t m_units;
-
-    bool Allows(std::size_t index) const { return index < m_units; }
-    std::size_t Cut(std::size_t index) const { return index < m_units ? index : m_units; }
-};
-
-template <typename Unit>
-Plain<Unit> PlainUnit(Unit unit) {
-    return static_cast<Plain<Unit>>(unit);
-}
-
-// The tests take a unit or a block, one or two of them, and give a truth value, or a block whose
-// lanes are all ones where the test holds.
-
-struct IsEnd {
-    template <typename Value>
-    auto operator()(Value value) const {
-        return value == Value{};
-    }
-};
-
-struct IsEndOrUnit {
-    u16 m_unit;
-
-    template <typename Value>
-    auto operator()(Value value) const {
-        return (value == Value{}) | (value == m_unit);
-    }
-};
-
-template <typename Unit>
-struct IsEndOrNotAscii {
-    template <typename Value>
-    auto operator()(Value value) const {
-        constexpr Plain<Unit> kOne = 1;
-        constexpr Plain<Unit> kLast = 0x7E;
-        return static_cast<Value>(value - kOne) > Value{} + kLast;
-    }
-};
-
-// The tests of pairs hold as long as two texts go on alike.
-
-struct Alike {
-    template <typename Value>
-    auto operator()(Value first, Value second) const {
-        return (first == second) & (first != Value{});
-    }
-};
-
-// Units that differ in the case bit alone are the same letter if one of them is a letter at all.
-template <typename Unit>
-struct AlikeButForCase {
-    template <typename Value>
-    auto operator()(Value first, Value second) const {
-        return IsSame(first, second) & (first != Value{});
-    }
-
-    template <typename Value>
-    static auto IsSame(Value first, Value second) {
-        constexpr Plain<Unit> kCaseBit = 0x20;
-        const auto lower = static_cast<Value>(first | kCaseBit);
-        const auto ignored = FoldAscii<Unit, 'a'>::CaseBitIfLetter(lower);
-        return static_cast<Value>((first ^ second) & ~ignored) == Value{};
-    }
-};
-
-template <typename Value>
-auto IsAsciiButEnd(Value value) {
-    return AsSigned(value) > AsSigned(Value{});
-}
-
-// Two units that are the same, also but for the case, are both ASCII if one is.
-
-struct AlikeButForCaseAndAscii {
-    template <typename Value>
-    auto operator()(Value first, Value second) const {
-        return AlikeButForCase<char>::IsSame(first, second) & IsAsciiButEnd(first);
-    }
-};
 
 #ifdef QX_SCAN_UNITS_ALONE
 
@@ -145,95 +59,6 @@ Unit* CopyText(Unit* target, const Unit* source) {
 }
 
 #else
-
-#ifdef __AVX2__
-using Raw = __m256i;
-#else
-using Raw = __m128i;
-#endif
-constexpr std::size_t kBlockSize = sizeof(Raw);
-constexpr unsigned kFullMask = ~0u >> (32 - kBlockSize);
-
-template <typename Unit>
-struct BlockOf {
-    typedef Plain<Unit> Type __attribute__((vector_size(kBlockSize)));
-    typedef Type Unaligned __attribute__((aligned(1), may_alias));
-};
-template <typename Unit>
-using Block = typename BlockOf<Unit>::Type;
-template <typename Unit>
-using UnalignedBlock = typename BlockOf<Unit>::Unaligned;
-
-unsigned Lead(const void* text) {
-    return static_cast<unsigned>(reinterpret_cast<std::uintptr_t>(text) % kBlockSize);
-}
-
-template <typename Unit>
-Block<Unit> LoadAligned(const char* block) {
-    return (Block<Unit>)*reinterpret_cast<const Raw*>(block);
-}
-
-template <typename Unit>
-Block<Unit> Load(const Unit* text) {
-    return *reinterpret_cast<const UnalignedBlock<Unit>*>(text);
-}
-
-template <typename Unit>
-void Store(Unit* text, Block<Unit> units) {
-    *reinterpret_cast<UnalignedBlock<Unit>*>(text) = units;
-}
-
-// A bit for each byte, set where its lane is.
-template <typename Lanes>
-unsigned MaskOf(Lanes lanes) {
-#ifdef __AVX2__
-    return static_cast<unsigned>(_mm256_movemask_epi8((Raw)lanes));
-#else
-    return static_cast<unsigned>(_mm_movemask_epi8((Raw)lanes));
-#endif
-}
-
-std::size_t LowestBit(unsigned mask) {
-    return static_cast<unsigned>(__builtin_ctz(mask));
-}
-
-std::size_t HighestBit(unsigned mask) {
-    return 31 - static_cast<unsigned>(__builtin_clz(mask));
-}
-
-// How much is looked at, window by window, after one look at where the page ends.
-constexpr std::size_t kGroupSize = 4 * kBlockSize;
-
-// Whether so many bytes from an address on may reach into the next page.
-bool IsNearPageEnd(std::uintptr_t address, std::size_t size) {
-    constexpr std::size_t kSmallestPage = 4096;
-    return address % kSmallestPage > kSmallestPage - size;
-}
-
-template <typename Unit>
-std::uintptr_t AddressOf(const Unit* text) {
-    return reinterpret_cast<std::uintptr_t>(text);
-}
-
-// The offset in bytes of the first hit in a group, or the group's size. The function gives the hits
-// in the window at an offset.
-template <typename HitsAt>
-[[gnu::always_inline]] inline std::size_t FindInGroup(HitsAt hitsAt) {
-    unsigned hits = 0;
-    if ((hits = hitsAt(0 * kBlockSize)) != 0) [[unlikely]] {
-        return 0 * kBlockSize + LowestBit(hits);
-    }
-    if ((hits = hitsAt(1 * kBlockSize)) != 0) [[unlikely]] {
-        return 1 * kBlockSize + LowestBit(hits);
-    }
-    if ((hits = hitsAt(2 * kBlockSize)) != 0) [[unlikely]] {
-        return 2 * kBlockSize + LowestBit(hits);
-    }
-    if ((hits = hitsAt(3 * kBlockSize)) != 0) [[unlikely]] {
-        return 3 * kBlockSize + LowestBit(hits);
-    }
-    return kGroupSize;
-}
 
 // The hits from an address to the end of its block.
 template <typename Unit, typename Test>
@@ -323,7 +148,7 @@ template <typename Unit, typename Count, typename Test>
     while (limit.Allows(index)) {
         const Unit* const one = first + index;
         const Unit* const other = second + index;
-        // Together, the bits give a place behind neither of the two.
+        // An address with the bits of both stands no less far into its page than either.
         if (!IsNearPageEnd(AddressOf(one) | AddressOf(other), kGroupSize)) [[likely]] {
             const std::size_t offset = FindInGroup([=](std::size_t windowOffset) {
                 const std::size_t units = windowOffset / sizeof(Unit);
