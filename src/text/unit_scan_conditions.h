@@ -86,7 +86,9 @@ struct AlikeButForCase {
 struct AlikeButForCaseAndAscii {
     template <typename Value>
     auto operator()(Value first, Value second) const {
-        return AlikeButForCase<char>::IsSame(first, second) & (AsSigned(first) > AsSigned(Value{}));
+        const auto isSame = AlikeButForCase<char>::IsSame(first, second);
+        const auto isAscii = AsSigned(first) > AsSigned(Value{});
+        return isSame & isAscii;
     }
 };
 

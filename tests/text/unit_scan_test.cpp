@@ -151,7 +151,7 @@ TEST_P(UnitScan, CopiesEndBehindTheTerminatorAlsoOntoTheUnitsBelow) {
         std::iota(units.begin(), units.end() - 1, '\1');
         std::memset(elsewhere, 'x', sizeof elsewhere);
         CheckCopy(m_loops.copyNarrow, elsewhere + 32, m_first.Place(units, bytesBehind, atEnd));
-        for (const size_t distance : {1, 2, 7, 15, 16, 40, 64}) {
+        for (const size_t distance : {1u, 2u, 7u, 15u, 16u, 40u, 64u}) {
             const size_t behind = (bytesBehind + (atEnd ? 0 : 2 * distance + 2)) & ~size_t{1};
             const std::u16string wide(units.begin(), units.end());
             const char16_t* const source = m_first.Place(wide, behind, atEnd);
