@@ -44,7 +44,7 @@ int32_t QXStrCmpUTF16(const wchar* first, const wchar* second) {
 }
 
 int32_t QXStrICmpA(const char* first, const char* second) {
-    return unit_scan::CompareUpper(first, second, unit_scan::kUnlimited, CompareLower);
+    return unit_scan::CompareUpper(first, second, CompareLower);
 }
 
 int32_t QXStrICmpW(const wchar* first, const wchar* second) {

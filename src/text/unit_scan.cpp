@@ -50,6 +50,7 @@ constexpr Loops kFirstLoops = {
     .compareWithin = First<&Loops::compareWithin>::Call,
     .order = First<&Loops::order>::Call,
     .compareUpper = First<&Loops::compareUpper>::Call,
+    .compareUpperWithin = First<&Loops::compareUpperWithin>::Call,
     .copyNarrow = First<&Loops::copyNarrow>::Call,
     .copyWide = First<&Loops::copyWide>::Call,
 };

@@ -90,8 +90,9 @@ struct Loops {
     i32 (*compare)(const char16_t* first, const char16_t* second);
     i32 (*compareWithin)(const char16_t* first, const char16_t* second, std::size_t limit);
     i32 (*order)(const char16_t* first, const char16_t* second);
-    i32 (*compareUpper)(const char* first, const char* second, std::size_t limit,
-                        CompareRest* compareRest);
+    i32 (*compareUpper)(const char* first, const char* second, CompareRest* compareRest);
+    i32 (*compareUpperWithin)(const char* first, const char* second, std::size_t limit,
+                              CompareRest* compareRest);
     char* (*copyNarrow)(char* target, const char* source);
     char16_t* (*copyWide)(char16_t* target, const char16_t* source);
 };
@@ -164,10 +165,15 @@ inline i32 Order(const char16_t* first, const char16_t* second) {
 }
 
 // The difference of the first units that differ when a to z are mapped to upper case, or 0. As soon
-// as one of the units is from 0x80 up, the function compares what is left, units and limit.
+// as one of the units is from 0x80 up, the function compares what is left.
+inline i32 CompareUpper(const char* first, const char* second, CompareRest* compareRest) {
+    return BestLoops().compareUpper(first, second, compareRest);
+}
+
+// The same for texts of at most so many units.
 inline i32 CompareUpper(const char* first, const char* second, std::size_t limit,
                         CompareRest* compareRest) {
-    return BestLoops().compareUpper(first, second, limit, compareRest);
+    return BestLoops().compareUpperWithin(first, second, limit, compareRest);
 }
 
 // Copies a text with its terminator and gives the target. Works like a loop from the first unit on,

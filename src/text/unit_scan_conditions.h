@@ -12,6 +12,7 @@ namespace {
 struct NoLimit {
     bool Allows(std::size_t) const { return true; }
     std::size_t Cut(std::size_t index) const { return index; }
+    std::size_t Behind(std::size_t) const { return kUnlimited; }
 };
 
 struct Limit {
@@ -19,6 +20,7 @@ struct Limit {
 
     bool Allows(std::size_t index) const { return index < m_units; }
     std::size_t Cut(std::size_t index) const { return index < m_units ? index : m_units; }
+    std::size_t Behind(std::size_t index) const { return m_units - index; }
 };
 
 template <typename Unit>

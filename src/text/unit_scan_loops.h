@@ -261,17 +261,18 @@ template <typename Count>
     return limit.Allows(index) ? first[index] - second[index] : 0;
 }
 
-i32 CompareUpper(const char* first, const char* second, std::size_t limit,
-                 CompareRest* compareRest) {
-    const std::size_t index = FindPair(first, second, Limit{limit}, AlikeButForCaseAndAscii());
-    if (index == limit || (first[index] | second[index]) == 0) {
+template <typename Count>
+[[gnu::always_inline]] inline i32 UpperDifference(const char* first, const char* second,
+                                                  Count limit, CompareRest* compareRest) {
+    const std::size_t index = FindPair(first, second, limit, AlikeButForCaseAndAscii());
+    if (!limit.Allows(index) || (first[index] | second[index]) == 0) {
         return 0;
     }
     const FoldAscii<char, 'a'> fold;
     const auto one = PlainUnit(first[index]);
     const auto other = PlainUnit(second[index]);
     return (one | other) < 0x80 ? fold(one) - fold(other)
-                                : compareRest(first + index, second + index, limit - index);
+                                : compareRest(first + index, second + index, limit.Behind(index));
 }
 
 constexpr Loops kLoops = {
@@ -303,7 +304,14 @@ constexpr Loops kLoops = {
             const i32 difference = Difference(first, second, NoLimit());
             return (difference > 0) - (difference < 0);
         },
-    .compareUpper = CompareUpper,
+    .compareUpper =
+        [](const char* first, const char* second, CompareRest* compareRest) {
+            return UpperDifference(first, second, NoLimit(), compareRest);
+        },
+    .compareUpperWithin =
+        [](const char* first, const char* second, std::size_t limit, CompareRest* compareRest) {
+            return UpperDifference(first, second, Limit{limit}, compareRest);
+        },
     .copyNarrow = CopyText<char>,
     .copyWide = CopyText<char16_t>,
 };

@@ -182,8 +182,8 @@ TEST_P(UnitScan, NarrowPairsAreFoldedUpToTheFirstHighByte) {
             const char* const first = m_first.Place(lower + tail.first + '\0', bytesBehind, atEnd);
             const char* const second = m_second.Place(upper + tail.second + '\0', 3, atEnd);
             s_rest = nullptr;
-            ASSERT_EQ(m_loops.compareUpper(first, second, length, ReportRest), 0);
-            ASSERT_EQ(m_loops.compareUpper(first, second, kUnlimited, ReportRest), tail.result);
+            ASSERT_EQ(m_loops.compareUpperWithin(first, second, length, ReportRest), 0);
+            ASSERT_EQ(m_loops.compareUpper(first, second, ReportRest), tail.result);
             ASSERT_EQ(s_rest, tail.result == 1000 ? first + length : nullptr);
         }
     });
