@@ -65,7 +65,9 @@ std::size_t HighestBit(unsigned mask) {
 }
 
 // How much is looked at, window by window, after one look at where the page ends.
-constexpr std::size_t kGroupSize = 4 * kBlockSize;
+// Five windows take in a text of some sixty wide units with its terminator; more of them gain
+// nothing.
+constexpr std::size_t kGroupSize = 5 * kBlockSize;
 
 // Whether so many bytes from an address on may reach into the next page.
 bool IsNearPageEnd(std::uintptr_t address, std::size_t size) {
@@ -80,20 +82,13 @@ std::uintptr_t AddressOf(const Unit* text) {
 
 // The offset in bytes of the first hit in a group, or the group's size. The function gives the hits
 // in the window at an offset.
-template <typename HitsAt>
+template <std::size_t kOffset = 0, typename HitsAt>
 [[gnu::always_inline]] inline std::size_t FindInGroup(HitsAt hitsAt) {
-    unsigned hits = 0;
-    if ((hits = hitsAt(0 * kBlockSize)) != 0) [[unlikely]] {
-        return 0 * kBlockSize + LowestBit(hits);
-    }
-    if ((hits = hitsAt(1 * kBlockSize)) != 0) [[unlikely]] {
-        return 1 * kBlockSize + LowestBit(hits);
-    }
-    if ((hits = hitsAt(2 * kBlockSize)) != 0) [[unlikely]] {
-        return 2 * kBlockSize + LowestBit(hits);
-    }
-    if ((hits = hitsAt(3 * kBlockSize)) != 0) [[unlikely]] {
-        return 3 * kBlockSize + LowestBit(hits);
+    if constexpr (kOffset < kGroupSize) {
+        if (const unsigned hits = hitsAt(kOffset); hits != 0) [[unlikely]] {
+            return kOffset + LowestBit(hits);
+        }
+        return FindInGroup<kOffset + kBlockSize>(hitsAt);
     }
     return kGroupSize;
 }

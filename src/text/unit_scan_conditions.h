@@ -61,7 +61,7 @@ struct IsEndOrNotAscii {
 
 struct Alike {
     template <typename Value>
-    auto operator()(Value first, Value second) const {
+    [[gnu::always_inline]] auto operator()(Value first, Value second) const {
         return (first == second) & (first != Value{});
     }
 };
@@ -70,12 +70,12 @@ struct Alike {
 template <typename Unit>
 struct AlikeButForCase {
     template <typename Value>
-    auto operator()(Value first, Value second) const {
+    [[gnu::always_inline]] auto operator()(Value first, Value second) const {
         return IsSame(first, second) & (first != Value{});
     }
 
     template <typename Value>
-    static auto IsSame(Value first, Value second) {
+    [[gnu::always_inline]] static auto IsSame(Value first, Value second) {
         constexpr Plain<Unit> kCaseBit = 0x20;
         const auto lower = static_cast<Value>(first | kCaseBit);
         const auto ignored = FoldAscii<Unit, 'a'>::CaseBitIfLetter(lower);
@@ -87,7 +87,7 @@ struct AlikeButForCase {
 // greater than the terminator then.
 struct AlikeButForCaseAndAscii {
     template <typename Value>
-    auto operator()(Value first, Value second) const {
+    [[gnu::always_inline]] auto operator()(Value first, Value second) const {
         const auto isSame = AlikeButForCase<char>::IsSame(first, second);
         const auto isAscii = AsSigned(first) > AsSigned(Value{});
         return isSame & isAscii;

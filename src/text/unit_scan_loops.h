@@ -135,7 +135,8 @@ const char16_t* FindLastUnit(const char16_t* text, char16_t unit) {
 }
 
 template <typename Unit, typename Test>
-unsigned FailuresOf(const Unit* first, const Unit* second, Test test) {
+[[gnu::always_inline]] inline unsigned FailuresOf(const Unit* first, const Unit* second,
+                                                  Test test) {
     return MaskOf(test(Load(first), Load(second))) ^ kFullMask;
 }
 
