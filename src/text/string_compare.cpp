@@ -20,26 +20,9 @@ i32 SignOf(i32 difference) {
     return (difference > 0) - (difference < 0);
 }
 
-i32 DifferenceAt(const char16_t* first, const char16_t* second, std::size_t index) {
-    return first[index] - second[index];
-}
-
-i32 Difference(const char16_t* first, const char16_t* second) {
-    return DifferenceAt(first, second, unit_scan::FindDifference(first, second));
-}
-
-bool IsAscii(char unit) {
-    return static_cast<u8>(unit) < 0x80;
-}
-
-// The difference of the units as upper case in ASCII; the rest of the texts goes to the other
-// function, which maps to lower case, as soon as one of the units is not ASCII.
-template <typename Rest>
-i32 UpperDifference(const char* first, const char* second, std::size_t index, Rest compareRest) {
-    if (IsAscii(first[index]) && IsAscii(second[index])) {
-        return platform::toupper(first[index]) - platform::toupper(second[index]);
-    }
-    return compareRest(first + index, second + index);
+// Behind the first unit that is not ASCII, lower case decides.
+i32 CompareLower(const char* first, const char* second, std::size_t count) {
+    return platform::_strnicmp(first, second, count);
 }
 
 }  // namespace
@@ -49,11 +32,11 @@ int32_t QXStrCmpA(const char* first, const char* second) {
 }
 
 int32_t QXStrCmpW(const wchar* first, const wchar* second) {
-    return SignOf(Difference(first, second));
+    return unit_scan::Order(first, second);
 }
 
 int32_t QXStrCmpUCS2(const wchar* first, const wchar* second) {
-    return Difference(first, second);
+    return unit_scan::Compare(first, second);
 }
 
 int32_t QXStrCmpUTF16(const wchar* first, const wchar* second) {
@@ -61,8 +44,7 @@ int32_t QXStrCmpUTF16(const wchar* first, const wchar* second) {
 }
 
 int32_t QXStrICmpA(const char* first, const char* second) {
-    const std::size_t index = unit_scan::FindUpperDifference(first, second);
-    return UpperDifference(first, second, index, platform::_stricmp);
+    return unit_scan::CompareUpper(first, second, CompareLower);
 }
 
 int32_t QXStrICmpW(const wchar* first, const wchar* second) {
@@ -84,8 +66,7 @@ int32_t QXStrNCmpA(const char* first, const char* second, size_t count) {
 }
 
 int32_t QXStrNCmpW(const wchar* first, const wchar* second, size_t count) {
-    const std::size_t index = unit_scan::FindDifference(first, second, count);
-    return index < count ? DifferenceAt(first, second, index) : 0;
+    return unit_scan::Compare(first, second, count);
 }
 
 int32_t QXStrNCmpUTF16(const wchar* first, const wchar* second, size_t count) {
@@ -93,14 +74,7 @@ int32_t QXStrNCmpUTF16(const wchar* first, const wchar* second, size_t count) {
 }
 
 int32_t QXStrNICmpA(const char* first, const char* second, size_t count) {
-    const std::size_t index = unit_scan::FindUpperDifference(first, second, count);
-    if (index == count) {
-        return 0;
-    }
-    const auto compareRest = [=](const char* restOfFirst, const char* restOfSecond) {
-        return platform::_strnicmp(restOfFirst, restOfSecond, count - index);
-    };
-    return UpperDifference(first, second, index, compareRest);
+    return unit_scan::CompareUpper(first, second, count, CompareLower);
 }
 
 int32_t QXStrNICmpW(const wchar* first, const wchar* second, size_t count) {

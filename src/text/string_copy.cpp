@@ -88,13 +88,11 @@ char* CopyList(char* target, i32 numberOfStrings, va_list strings) {
 }  // namespace
 
 char* QXStrCpyA(char* target, const char* source) {
-    Move(target, source, std::strlen(source) + 1);
-    return target;
+    return unit_scan::Copy(target, source);
 }
 
 wchar* QXStrCpyW(wchar* target, const wchar* source) {
-    Move(target, source, unit_scan::FindEnd(source) + 1);
-    return target;
+    return unit_scan::Copy(target, source);
 }
 
 char* QXStrCatA(char* target, const char* source) {

@@ -9,11 +9,6 @@
 
 namespace {
 
-const char16_t* FindUnit(const char16_t* text, char16_t unit) {
-    const char16_t* const found = text + unit_scan::FindUnitOrEnd(text, unit);
-    return *found == unit ? found : nullptr;
-}
-
 // Whether the text begins with the sought one.
 bool BeginsWith(const char16_t* text, const char16_t* sought) {
     return sought[unit_scan::FindDifference(text, sought)] == 0;
@@ -23,7 +18,7 @@ const char16_t* FindText(const char16_t* text, const char16_t* sought) {
     if (*sought == 0) {
         return text;
     }
-    while ((text = FindUnit(text, *sought)) != nullptr && !BeginsWith(text, sought)) {
+    while ((text = unit_scan::FindUnit(text, *sought)) != nullptr && !BeginsWith(text, sought)) {
         ++text;
     }
     return text;
@@ -65,7 +60,7 @@ char* QXStrChrA(const char* text, char unit) {
 }
 
 wchar* QXStrChrW(const wchar* text, wchar unit) {
-    return const_cast<wchar*>(FindUnit(text, unit));
+    return const_cast<wchar*>(unit_scan::FindUnit(text, unit));
 }
 
 wchar* QXStrChrUCS2(const wchar* text, wchar unit) {

@@ -1,5 +1,7 @@
 #include "text/unit_scan.h"
 
+#include "platform/processor.h"
+
 #if __has_include(<valgrind/valgrind.h>)
 #include <valgrind/valgrind.h>
 #else
@@ -13,21 +15,48 @@ namespace {
 const Loops& LoopsForThisProcessor() {
 #ifdef QX_SCAN_BLOCKS
     if (RUNNING_ON_VALGRIND == 0) {
-        return __builtin_cpu_supports("avx2") ? kAvx2Loops : kSse2Loops;
+        return platform::ProcessorHasAvx2() ? kAvx2Loops : kSse2Loops;
     }
 #endif
     return kUnitLoops;
 }
 
-}  // namespace
-
-constinit std::atomic<const Loops*> s_bestLoops{nullptr};
-
-// Threads that ask at the same time find the same.
+// Threads that choose at the same time choose the same.
 const Loops& ChooseLoops() {
     const Loops& best = LoopsForThisProcessor();
     s_bestLoops.store(&best, std::memory_order_relaxed);
     return best;
 }
+
+// A loop that stands in for one that nobody has chosen yet.
+template <auto kLoop>
+struct First;
+
+template <typename Result, typename... Arguments, Result (*Loops::*kLoop)(Arguments...)>
+struct First<kLoop> {
+    static Result Call(Arguments... arguments) { return (ChooseLoops().*kLoop)(arguments...); }
+};
+
+constexpr Loops kFirstLoops = {
+    .findEnd = First<&Loops::findEnd>::Call,
+    .findEndWithin = First<&Loops::findEndWithin>::Call,
+    .findUnit = First<&Loops::findUnit>::Call,
+    .findLast = First<&Loops::findLast>::Call,
+    .findNotAsciiNarrow = First<&Loops::findNotAsciiNarrow>::Call,
+    .findNotAsciiWide = First<&Loops::findNotAsciiWide>::Call,
+    .findDifference = First<&Loops::findDifference>::Call,
+    .findLowerDifference = First<&Loops::findLowerDifference>::Call,
+    .compare = First<&Loops::compare>::Call,
+    .compareWithin = First<&Loops::compareWithin>::Call,
+    .order = First<&Loops::order>::Call,
+    .compareUpper = First<&Loops::compareUpper>::Call,
+    .compareUpperWithin = First<&Loops::compareUpperWithin>::Call,
+    .copyNarrow = First<&Loops::copyNarrow>::Call,
+    .copyWide = First<&Loops::copyWide>::Call,
+};
+
+}  // namespace
+
+constinit std::atomic<const Loops*> s_bestLoops{&kFirstLoops};
 
 }  // namespace unit_scan

@@ -28,6 +28,21 @@ constexpr std::size_t kUnlimited = SIZE_MAX;
 template <typename Unit>
 using Plain = std::conditional_t<sizeof(Unit) == 1, u8, u16>;
 
+// The same bits as signed numbers, of a unit or of a block of units: processors compare those best.
+
+inline signed char AsSigned(u8 unit) {
+    return static_cast<signed char>(unit);
+}
+
+inline i16 AsSigned(u16 unit) {
+    return static_cast<i16>(unit);
+}
+
+template <typename Block>
+auto AsSigned(Block units) {
+    return (decltype(units == units))units;
+}
+
 // Maps a range of ASCII letters, of which kFrom is the first, to the other case. The value is one
 // unit or, in the loops behind this header, a block of units.
 template <typename Unit, char kFrom>
@@ -37,12 +52,15 @@ struct FoldAscii {
         return static_cast<Value>(value ^ CaseBitIfLetter(value));
     }
 
-    // The bit in which the cases differ, or 0 for what is no letter of the range.
+    // The bit in which the cases differ, or 0 for what is no letter of the range. The letters are
+    // moved to the greatest numbers there are, so that one comparison tells them.
     template <typename Value>
     static Value CaseBitIfLetter(Value value) {
-        constexpr Plain<Unit> kFirst = kFrom;
-        constexpr Plain<Unit> kCount = 26;
-        return CaseBitIf<Value>(static_cast<Value>(value - kFirst) < Value{} + kCount);
+        constexpr Plain<Unit> kGreatest = Plain<Unit>(~0u) / 2;
+        constexpr Plain<Unit> kBelow = kGreatest - 26;
+        constexpr Plain<Unit> kToGreatest = kBelow + 1 - kFrom;
+        const auto moved = static_cast<Value>(value + kToGreatest);
+        return CaseBitIf<Value>(AsSigned(moved) > AsSigned(static_cast<Value>(Value{} + kBelow)));
     }
 
   private:
@@ -58,16 +76,25 @@ struct FoldAscii {
     }
 };
 
+using CompareRest = i32(const char* first, const char* second, std::size_t limit);
+
 struct Loops {
     std::size_t (*findEnd)(const char16_t* text);
     std::size_t (*findEndWithin)(const char16_t* text, std::size_t limit);
-    std::size_t (*findUnitOrEnd)(const char16_t* text, char16_t unit);
+    const char16_t* (*findUnit)(const char16_t* text, char16_t unit);
     const char16_t* (*findLast)(const char16_t* text, char16_t unit);
     std::size_t (*findNotAsciiNarrow)(const char* text);
     std::size_t (*findNotAsciiWide)(const char16_t* text);
-    std::size_t (*findDifference)(const char16_t* first, const char16_t* second, std::size_t limit);
+    std::size_t (*findDifference)(const char16_t* first, const char16_t* second);
     std::size_t (*findLowerDifference)(const char16_t* first, const char16_t* second);
-    std::size_t (*findUpperDifference)(const char* first, const char* second, std::size_t limit);
+    i32 (*compare)(const char16_t* first, const char16_t* second);
+    i32 (*compareWithin)(const char16_t* first, const char16_t* second, std::size_t limit);
+    i32 (*order)(const char16_t* first, const char16_t* second);
+    i32 (*compareUpper)(const char* first, const char* second, CompareRest* compareRest);
+    i32 (*compareUpperWithin)(const char* first, const char* second, std::size_t limit,
+                              CompareRest* compareRest);
+    char* (*copyNarrow)(char* target, const char* source);
+    char16_t* (*copyWide)(char16_t* target, const char16_t* source);
 };
 
 extern const Loops kUnitLoops;
@@ -76,14 +103,11 @@ extern const Loops kSse2Loops;
 extern const Loops kAvx2Loops;
 #endif
 
-// Null until somebody asked.
-extern std::atomic<const Loops*> s_bestLoops;
-const Loops& ChooseLoops();
+// The best for this processor. Up to the first call, loops that find out which those are.
+extern constinit std::atomic<const Loops*> s_bestLoops;
 
-// The best for this processor.
 inline const Loops& BestLoops() {
-    const Loops* const best = s_bestLoops.load(std::memory_order_relaxed);
-    return best != nullptr ? *best : ChooseLoops();
+    return *s_bestLoops.load(std::memory_order_relaxed);
 }
 
 // The index of the terminator.
@@ -96,11 +120,12 @@ inline std::size_t FindEnd(const char16_t* text, std::size_t limit) {
     return BestLoops().findEndWithin(text, limit);
 }
 
-inline std::size_t FindUnitOrEnd(const char16_t* text, char16_t unit) {
-    return BestLoops().findUnitOrEnd(text, unit);
+// The first place of a unit in a text, the terminator included, or null.
+inline const char16_t* FindUnit(const char16_t* text, char16_t unit) {
+    return BestLoops().findUnit(text, unit);
 }
 
-// The last place of a unit in a text, the terminator included, or null.
+// The last one.
 inline const char16_t* FindLast(const char16_t* text, char16_t unit) {
     return BestLoops().findLast(text, unit);
 }
@@ -114,10 +139,9 @@ inline std::size_t FindNotAscii(const char16_t* text) {
     return BestLoops().findNotAsciiWide(text);
 }
 
-// The index of the first units that differ, or of both terminators, or the limit.
-inline std::size_t FindDifference(const char16_t* first, const char16_t* second,
-                                  std::size_t limit = kUnlimited) {
-    return BestLoops().findDifference(first, second, limit);
+// The index of the first units that differ, or of both terminators.
+inline std::size_t FindDifference(const char16_t* first, const char16_t* second) {
+    return BestLoops().findDifference(first, second);
 }
 
 // The same for texts of which A to Z are mapped to lower case.
@@ -125,11 +149,41 @@ inline std::size_t FindLowerDifference(const char16_t* first, const char16_t* se
     return BestLoops().findLowerDifference(first, second);
 }
 
-// The same for texts of which a to z are mapped to upper case, or the index of the first units of
-// which one is from 0x80 up, if that comes first.
-inline std::size_t FindUpperDifference(const char* first, const char* second,
-                                       std::size_t limit = kUnlimited) {
-    return BestLoops().findUpperDifference(first, second, limit);
+// The difference of the first units that differ, or 0.
+inline i32 Compare(const char16_t* first, const char16_t* second) {
+    return BestLoops().compare(first, second);
+}
+
+// The same for texts of at most so many units.
+inline i32 Compare(const char16_t* first, const char16_t* second, std::size_t limit) {
+    return BestLoops().compareWithin(first, second, limit);
+}
+
+// Its sign: -1, 0 or 1.
+inline i32 Order(const char16_t* first, const char16_t* second) {
+    return BestLoops().order(first, second);
+}
+
+// The difference of the first units that differ when a to z are mapped to upper case, or 0. As soon
+// as one of the units is from 0x80 up, the function compares what is left.
+inline i32 CompareUpper(const char* first, const char* second, CompareRest* compareRest) {
+    return BestLoops().compareUpper(first, second, compareRest);
+}
+
+// The same for texts of at most so many units.
+inline i32 CompareUpper(const char* first, const char* second, std::size_t limit,
+                        CompareRest* compareRest) {
+    return BestLoops().compareUpperWithin(first, second, limit, compareRest);
+}
+
+// Copies a text with its terminator and gives the target. Works like a loop from the first unit on,
+// also where the target overlaps the source from below.
+inline char* Copy(char* target, const char* source) {
+    return BestLoops().copyNarrow(target, source);
+}
+
+inline char16_t* Copy(char16_t* target, const char16_t* source) {
+    return BestLoops().copyWide(target, source);
 }
 
 }  // namespace unit_scan

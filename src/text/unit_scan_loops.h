@@ -2,8 +2,9 @@
 // what that source is compiled for.
 //
 // Loads never touch a page that the text does not: a block stands at a multiple of its size and
-// holds at least one byte of the text, or it does not cross the end of a page. Bytes around the
-// text never decide a result. With QX_SCAN_UNITS_ALONE, units are loaded alone.
+// holds at least one byte of the text, or it is a window, which stands anywhere, but never across
+// the end of a page. Bytes around the text never decide a result. With QX_SCAN_UNITS_ALONE, units
+// are loaded alone.
 //
 // Everything is local to the source: a copy of a shared function that is compiled for a newer
 // processor must not stand in for the plain one.
@@ -11,97 +12,24 @@
 #define QX_TEXT_UNIT_SCAN_LOOPS_H
 
 #include "text/unit_scan.h"
+#include "text/unit_scan_conditions.h"
 
 #ifndef QX_SCAN_UNITS_ALONE
-#include <immintrin.h>
+#include "text/unit_scan_blocks.h"
 #endif
 
 namespace unit_scan {
 namespace {
 
-constexpr std::size_t Smaller(std::size_t first, std::size_t second) {
-    return first < second ? first : second;
-}
-
-template <typename Unit>
-Plain<Unit> PlainUnit(Unit unit) {
-    return static_cast<Plain<Unit>>(unit);
-}
-
-// The tests take a unit or a block, one or two of them, and give a truth value, or a block whose
-// lanes are all ones where the test holds.
-
-struct IsEnd {
-    template <typename Value>
-    auto operator()(Value value) const {
-        return value == Value{};
-    }
-};
-
-struct IsEndOrUnit {
-    u16 m_unit;
-
-    template <typename Value>
-    auto operator()(Value value) const {
-        return (value == Value{}) | (value == m_unit);
-    }
-};
-
-template <typename Unit>
-struct IsEndOrNotAscii {
-    template <typename Value>
-    auto operator()(Value value) const {
-        constexpr Plain<Unit> kOne = 1;
-        constexpr Plain<Unit> kLast = 0x7E;
-        return static_cast<Value>(value - kOne) > Value{} + kLast;
-    }
-};
-
-// The tests of pairs hold as long as two texts go on alike.
-
-struct Alike {
-    template <typename Value>
-    auto operator()(Value first, Value second) const {
-        return (first == second) & (first != Value{});
-    }
-};
-
-// Units that differ in the case bit alone are the same letter if one of them is a letter at all.
-template <typename Unit>
-struct AlikeButForCase {
-    template <typename Value>
-    auto operator()(Value first, Value second) const {
-        constexpr Plain<Unit> kCaseBit = 0x20;
-        const auto lower = static_cast<Value>(first | kCaseBit);
-        const auto ignored = FoldAscii<Unit, 'a'>::CaseBitIfLetter(lower);
-        const auto difference = static_cast<Value>((first ^ second) & ~ignored);
-        return (difference == Value{}) & (first != Value{});
-    }
-};
-
-struct AlikeButForCaseAndAscii {
-    template <typename Value>
-    auto operator()(Value first, Value second) const {
-        constexpr u8 kLast = 0x7F;
-        return AlikeButForCase<char>()(first, second) &
-               (static_cast<Value>(first | second) <= Value{} + kLast);
-    }
-};
-
 #ifdef QX_SCAN_UNITS_ALONE
 
-template <typename Unit, typename Test>
-std::size_t FindFirst(const Unit* text, std::size_t limit, Test test) {
+template <typename Unit, typename Count, typename Test>
+std::size_t FindFirst(const Unit* text, Count limit, Test test) {
     std::size_t index = 0;
-    while (index < limit && !test(PlainUnit(text[index]))) {
+    while (limit.Allows(index) && !test(PlainUnit(text[index]))) {
         ++index;
     }
     return index;
-}
-
-template <typename Unit, typename Test>
-std::size_t FindFirst(const Unit* text, Test test) {
-    return FindFirst(text, kUnlimited, test);
 }
 
 const char16_t* FindLastUnit(const char16_t* text, char16_t unit) {
@@ -114,170 +42,279 @@ const char16_t* FindLastUnit(const char16_t* text, char16_t unit) {
     }
 }
 
-template <typename Unit, typename Test>
-std::size_t FindPair(const Unit* first, const Unit* second, std::size_t limit, Test test) {
+template <typename Unit, typename Count, typename Test>
+std::size_t FindPair(const Unit* first, const Unit* second, Count limit, Test test) {
     std::size_t index = 0;
-    while (index < limit && test(PlainUnit(first[index]), PlainUnit(second[index]))) {
+    while (limit.Allows(index) && test(PlainUnit(first[index]), PlainUnit(second[index]))) {
         ++index;
     }
     return index;
 }
 
+template <typename Unit>
+Unit* CopyText(Unit* target, const Unit* source) {
+    for (std::size_t index = 0; (target[index] = source[index]) != 0; ++index) {
+    }
+    return target;
+}
+
 #else
 
-#ifdef __AVX2__
-using Raw = __m256i;
-#else
-using Raw = __m128i;
-#endif
-constexpr std::size_t kBlockSize = sizeof(Raw);
-constexpr unsigned kFullMask = ~0u >> (32 - kBlockSize);
+// The hits from an address to the end of its block.
+template <typename Unit, typename Test>
+unsigned HitsInBlock(const Unit* text, Test test) {
+    const unsigned lead = Lead(text);
+    return MaskOf(test(LoadAligned<Unit>(reinterpret_cast<const char*>(text) - lead))) >> lead;
+}
 
 template <typename Unit>
-struct BlockOf {
-    typedef Plain<Unit> Type __attribute__((vector_size(kBlockSize)));
+std::size_t UnitsToBlockEnd(const Unit* text) {
+    return (kBlockSize - Lead(text)) / sizeof(Unit);
+}
+
+// The index of the first unit that passes the test, or the limit. Without a limit, the test holds
+// for the terminator.
+template <typename Unit, typename Count, typename Test>
+[[gnu::always_inline]] inline std::size_t FindFirst(const Unit* text, Count limit, Test test) {
+    std::size_t index = 0;
+    while (limit.Allows(index)) {
+        const Unit* const at = text + index;
+        if (!IsNearPageEnd(AddressOf(at), kGroupSize)) [[likely]] {
+            const std::size_t offset = FindInGroup([=](std::size_t windowOffset) {
+                return MaskOf(test(Load(at + windowOffset / sizeof(Unit))));
+            });
+            index += offset / sizeof(Unit);
+            if (offset < kGroupSize) {
+                break;
+            }
+        } else {
+            const unsigned hits = HitsInBlock(at, test);
+            if (hits != 0) {
+                index += LowestBit(hits) / sizeof(Unit);
+                break;
+            }
+            index += UnitsToBlockEnd(at);
+        }
+    }
+    return limit.Cut(index);
+}
+
+struct IsUnit {
+    u16 m_unit;
+
+    template <typename Value>
+    auto operator()(Value value) const {
+        return value == m_unit;
+    }
 };
-template <typename Unit>
-using Block = typename BlockOf<Unit>::Type;
 
-unsigned Lead(const void* text) {
-    return static_cast<unsigned>(reinterpret_cast<std::uintptr_t>(text) % kBlockSize);
-}
-
-template <typename Unit>
-Block<Unit> Load(const char* block) {
-    return (Block<Unit>)*reinterpret_cast<const Raw*>(block);
-}
-
-template <typename Unit>
-Block<Unit> LoadUnaligned(const Unit* text) {
-    Block<Unit> units;
-    __builtin_memcpy(&units, text, sizeof units);
-    return units;
-}
-
-// A bit for each byte, set where its lane is.
-template <typename Lanes>
-unsigned MaskOf(Lanes lanes) {
-#ifdef __AVX2__
-    return static_cast<unsigned>(_mm256_movemask_epi8((Raw)lanes));
-#else
-    return static_cast<unsigned>(_mm_movemask_epi8((Raw)lanes));
-#endif
-}
-
-std::size_t LowestBit(unsigned mask) {
-    return static_cast<std::size_t>(__builtin_ctz(mask));
-}
-
-// The index of the first unit that passes the test. The test holds for the terminator.
-template <typename Unit, typename Test>
-std::size_t FindFirst(const Unit* text, Test test) {
-    const unsigned lead = Lead(text);
-    const char* const bytes = reinterpret_cast<const char*>(text);
-    unsigned mask = MaskOf(test(Load<Unit>(bytes - lead))) >> lead;
-    if (mask != 0) {
-        return LowestBit(mask) / sizeof(Unit);
+// The hits among the first units of a text, fewer than a window holds.
+template <typename Test>
+unsigned HitsInHead(const char16_t* text, std::size_t count, Test test) {
+    const std::size_t bytes = count * sizeof(char16_t);
+    if (IsNearPageEnd(AddressOf(text), kBlockSize)) {
+        const Block<char16_t> window = Load(text + count - kBlockSize / sizeof(char16_t));
+        return MaskOf(test(window)) >> (kBlockSize - bytes);
     }
-    std::size_t at = kBlockSize - lead;
-    while ((mask = MaskOf(test(Load<Unit>(bytes + at)))) == 0) {
-        at += kBlockSize;
-    }
-    return (at + LowestBit(mask)) / sizeof(Unit);
+    return MaskOf(test(Load(text))) & ((1u << bytes) - 1);
 }
 
-// The same, or the limit.
-template <typename Unit, typename Test>
-std::size_t FindFirst(const Unit* text, std::size_t limit, Test test) {
-    if (limit == 0) {
-        return 0;
-    }
-    const unsigned lead = Lead(text);
-    const char* const bytes = reinterpret_cast<const char*>(text);
-    const std::size_t end = limit < kUnlimited / sizeof(Unit) ? limit * sizeof(Unit) : kUnlimited;
-    unsigned mask = MaskOf(test(Load<Unit>(bytes - lead))) >> lead;
-    std::size_t at = 0;
-    for (std::size_t next = kBlockSize - lead; mask == 0 && next < end; next += kBlockSize) {
-        at = next;
-        mask = MaskOf(test(Load<Unit>(bytes + at)));
-    }
-    return mask != 0 ? Smaller(limit, (at + LowestBit(mask)) / sizeof(Unit)) : limit;
-}
-
+// Backwards from the end, which is found first.
 const char16_t* FindLastUnit(const char16_t* text, char16_t unit) {
-    const char* found = nullptr;
-    const unsigned lead = Lead(text);
-    const char* block = reinterpret_cast<const char*>(text) - lead;
-    for (unsigned valid = ~0u << lead;; valid = ~0u, block += kBlockSize) {
-        const Block<char16_t> units = Load<char16_t>(block);
-        const unsigned ends = MaskOf(units == Block<char16_t>{}) & valid;
-        // Up to both bytes of the terminator.
-        const unsigned inside = ends == 0 ? valid : valid & ((ends ^ (ends - 1)) * 2 + 1);
-        const unsigned hits = MaskOf(units == static_cast<u16>(unit)) & inside;
-        if (hits != 0) {
-            found = block + (31 - __builtin_clz(hits)) - 1;
-        }
-        if (ends != 0) {
-            return reinterpret_cast<const char16_t*>(found);
+    constexpr std::size_t kUnits = kBlockSize / sizeof(char16_t);
+    const IsUnit test{unit};
+    std::size_t count = FindFirst(text, NoLimit(), IsEnd()) + 1;
+    while (count >= kUnits) {
+        count -= kUnits;
+        if (const unsigned hits = MaskOf(test(Load(text + count))); hits != 0) {
+            return text + count + HighestBit(hits) / sizeof(char16_t);
         }
     }
+    const unsigned hits = count != 0 ? HitsInHead(text, count, test) : 0;
+    return hits != 0 ? text + HighestBit(hits) / sizeof(char16_t) : nullptr;
 }
 
-std::size_t RoomInPage(const void* address) {
-    constexpr std::size_t kSmallestPage = 4096;
-    return kSmallestPage - reinterpret_cast<std::uintptr_t>(address) % kSmallestPage;
+template <typename Unit, typename Test>
+[[gnu::always_inline]] inline unsigned FailuresOf(const Unit* first, const Unit* second,
+                                                  Test test) {
+    return MaskOf(test(Load(first), Load(second))) ^ kFullMask;
 }
 
 // The index of the first pair of units that fails the test, or the limit. Two texts can stand at
-// different places in their blocks, so their windows stand anywhere, but never across the end of a
-// page.
-template <typename Unit, typename Test>
-std::size_t FindPair(const Unit* first, const Unit* second, std::size_t limit, Test test) {
-    constexpr std::size_t kUnits = kBlockSize / sizeof(Unit);
-    for (std::size_t index = 0; index < limit;) {
-        const std::size_t room =
-            Smaller(RoomInPage(first + index), RoomInPage(second + index)) / sizeof(Unit);
-        if (room < kUnits) {
-            if (!test(PlainUnit(first[index]), PlainUnit(second[index]))) {
-                return index;
+// different places in their blocks, so close to the end of a page windows do not fit.
+template <typename Unit, typename Count, typename Test>
+[[gnu::always_inline]] inline std::size_t FindPair(const Unit* first, const Unit* second,
+                                                   Count limit, Test test) {
+    std::size_t index = 0;
+    while (limit.Allows(index)) {
+        const Unit* const one = first + index;
+        const Unit* const other = second + index;
+        // An address with the bits of both stands no less far into its page than either.
+        if (!IsNearPageEnd(AddressOf(one) | AddressOf(other), kGroupSize)) [[likely]] {
+            const std::size_t offset = FindInGroup([=](std::size_t windowOffset) {
+                const std::size_t units = windowOffset / sizeof(Unit);
+                return FailuresOf(one + units, other + units, test);
+            });
+            index += offset / sizeof(Unit);
+            if (offset < kGroupSize) {
+                return limit.Cut(index);
             }
+        } else if (!IsNearPageEnd(AddressOf(one), kBlockSize) &&
+                   !IsNearPageEnd(AddressOf(other), kBlockSize)) {
+            const unsigned failures = FailuresOf(one, other, test);
+            if (failures != 0) {
+                return limit.Cut(index + LowestBit(failures) / sizeof(Unit));
+            }
+            index += kBlockSize / sizeof(Unit);
+        } else if (test(PlainUnit(*one), PlainUnit(*other))) {
             ++index;
-            continue;
-        }
-        for (const std::size_t end = Smaller(limit, index + room / kUnits * kUnits); index < end;
-             index += kUnits) {
-            const unsigned mask =
-                MaskOf(test(LoadUnaligned(first + index), LoadUnaligned(second + index)));
-            if (mask != kFullMask) {
-                return Smaller(limit, index + LowestBit(~mask) / sizeof(Unit));
-            }
+        } else {
+            return index;
         }
     }
-    return limit;
+    return limit.Cut(index);
+}
+
+// Copies from one part's size to twice that. Both are loaded before one is stored.
+template <typename Part>
+void CopyTwoParts(char* target, const char* source, std::size_t size) {
+    Part head;
+    Part tail;
+    __builtin_memcpy(&head, source, sizeof head);
+    __builtin_memcpy(&tail, source + size - sizeof tail, sizeof tail);
+    __builtin_memcpy(target, &head, sizeof head);
+    __builtin_memcpy(target + size - sizeof tail, &tail, sizeof tail);
+}
+
+// Inlined, as the compiler leaves the wide registers' upper halves in use around a call.
+template <typename Unit>
+[[gnu::always_inline]] inline void CopyUpToBlock(Unit* target, const Unit* source,
+                                                 std::size_t size) {
+    char* const to = reinterpret_cast<char*>(target);
+    const char* const from = reinterpret_cast<const char*>(source);
+    if (size >= sizeof(__m128i)) {
+        CopyTwoParts<__m128i>(to, from, size);
+    } else if (size >= sizeof(u64)) {
+        CopyTwoParts<u64>(to, from, size);
+    } else if (size >= sizeof(u32)) {
+        CopyTwoParts<u32>(to, from, size);
+    } else if (size >= sizeof(u16)) {
+        CopyTwoParts<u16>(to, from, size);
+    } else {
+        *to = *from;
+    }
+}
+
+// Both copy a part of the text and tell whether there is more of it.
+
+template <typename Unit>
+[[gnu::always_inline]] inline bool CopyBlock(Unit*& target, const Unit*& source) {
+    const unsigned ends = HitsInBlock(source, IsEnd());
+    const std::size_t size = ends != 0 ? LowestBit(ends) + sizeof(Unit) : kBlockSize - Lead(source);
+    CopyUpToBlock(target, source, size);
+    target += size / sizeof(Unit);
+    source += size / sizeof(Unit);
+    return ends == 0;
+}
+
+template <typename Unit>
+[[gnu::always_inline]] inline bool CopyGroup(Unit*& target, const Unit*& source) {
+    const std::size_t offset = FindInGroup([=](std::size_t windowOffset) {
+        const std::size_t units = windowOffset / sizeof(Unit);
+        const auto window = Load(source + units);
+        const unsigned ends = MaskOf(IsEnd()(window));
+        if (ends == 0) [[likely]] {
+            Store(target + units, window);
+        }
+        return ends;
+    });
+    const std::size_t stored = offset / kBlockSize * kBlockSize / sizeof(Unit);
+    target += stored;
+    source += stored;
+    if (offset == kGroupSize) {
+        return true;
+    }
+    CopyUpToBlock(target, source, offset % kBlockSize + sizeof(Unit));
+    return false;
+}
+
+// Nothing of the source is read again after something behind it was stored.
+template <typename Unit>
+Unit* CopyText(Unit* target, const Unit* source) {
+    Unit* to = target;
+    while (IsNearPageEnd(AddressOf(source), kGroupSize) ? CopyBlock(to, source)
+                                                        : CopyGroup(to, source)) {
+    }
+    return target;
 }
 
 #endif
 
+const char16_t* FindUnitOrNull(const char16_t* text, char16_t unit) {
+    const char16_t* const found = text + FindFirst(text, NoLimit(), IsEndOrUnit{unit});
+    return *found == unit ? found : nullptr;
+}
+
+template <typename Count>
+[[gnu::always_inline]] inline i32 Difference(const char16_t* first, const char16_t* second,
+                                             Count limit) {
+    const std::size_t index = FindPair(first, second, limit, Alike());
+    return limit.Allows(index) ? first[index] - second[index] : 0;
+}
+
+template <typename Count>
+[[gnu::always_inline]] inline i32 UpperDifference(const char* first, const char* second,
+                                                  Count limit, CompareRest* compareRest) {
+    const std::size_t index = FindPair(first, second, limit, AlikeButForCaseAndAscii());
+    if (!limit.Allows(index) || (first[index] | second[index]) == 0) {
+        return 0;
+    }
+    const FoldAscii<char, 'a'> fold;
+    const auto one = PlainUnit(first[index]);
+    const auto other = PlainUnit(second[index]);
+    return (one | other) < 0x80 ? fold(one) - fold(other)
+                                : compareRest(first + index, second + index, limit.Behind(index));
+}
+
 constexpr Loops kLoops = {
-    .findEnd = [](const char16_t* text) { return FindFirst(text, IsEnd()); },
+    .findEnd = [](const char16_t* text) { return FindFirst(text, NoLimit(), IsEnd()); },
     .findEndWithin = [](const char16_t* text,
-                        std::size_t limit) { return FindFirst(text, limit, IsEnd()); },
-    .findUnitOrEnd = [](const char16_t* text,
-                        char16_t unit) { return FindFirst(text, IsEndOrUnit{unit}); },
+                        std::size_t limit) { return FindFirst(text, Limit{limit}, IsEnd()); },
+    .findUnit = FindUnitOrNull,
     .findLast = FindLastUnit,
-    .findNotAsciiNarrow = [](const char* text) { return FindFirst(text, IsEndOrNotAscii<char>()); },
+    .findNotAsciiNarrow =
+        [](const char* text) { return FindFirst(text, NoLimit(), IsEndOrNotAscii<char>()); },
     .findNotAsciiWide =
-        [](const char16_t* text) { return FindFirst(text, IsEndOrNotAscii<char16_t>()); },
-    .findDifference = [](const char16_t* first, const char16_t* second,
-                         std::size_t limit) { return FindPair(first, second, limit, Alike()); },
+        [](const char16_t* text) {
+            return FindFirst(text, NoLimit(), IsEndOrNotAscii<char16_t>());
+        },
+    .findDifference =
+        [](const char16_t* first, const char16_t* second) {
+            return FindPair(first, second, NoLimit(), Alike());
+        },
     .findLowerDifference =
         [](const char16_t* first, const char16_t* second) {
-            return FindPair(first, second, kUnlimited, AlikeButForCase<char16_t>());
+            return FindPair(first, second, NoLimit(), AlikeButForCase<char16_t>());
         },
-    .findUpperDifference =
-        [](const char* first, const char* second, std::size_t limit) {
-            return FindPair(first, second, limit, AlikeButForCaseAndAscii());
+    .compare = [](const char16_t* first,
+                  const char16_t* second) { return Difference(first, second, NoLimit()); },
+    .compareWithin = [](const char16_t* first, const char16_t* second,
+                        std::size_t limit) { return Difference(first, second, Limit{limit}); },
+    .order =
+        [](const char16_t* first, const char16_t* second) {
+            const i32 difference = Difference(first, second, NoLimit());
+            return (difference > 0) - (difference < 0);
         },
+    .compareUpper =
+        [](const char* first, const char* second, CompareRest* compareRest) {
+            return UpperDifference(first, second, NoLimit(), compareRest);
+        },
+    .compareUpperWithin =
+        [](const char* first, const char* second, std::size_t limit, CompareRest* compareRest) {
+            return UpperDifference(first, second, Limit{limit}, compareRest);
+        },
+    .copyNarrow = CopyText<char>,
+    .copyWide = CopyText<char16_t>,
 };
 
 }  // namespace

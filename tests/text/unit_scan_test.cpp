@@ -6,7 +6,10 @@
 
 #include <cstring>
 #include <memory>
+#include <numeric>
 #include <string>
+
+#include "platform/processor.h"
 
 namespace {
 
@@ -44,7 +47,7 @@ const Loops& LoopsOf(int index) {
     if (index == 1) {
         return unit_scan::kSse2Loops;
     }
-    if (index == 2 && __builtin_cpu_supports("avx2")) {
+    if (index == 2 && platform::ProcessorHasAvx2()) {
         return unit_scan::kAvx2Loops;
     }
 #endif
@@ -76,12 +79,12 @@ TEST_P(UnitScan, SingleTextsAreSearchedWithinTheirPages) {
             units[length / 2] = u'y';
             units[length - 1] = u'y';
         }
-        const size_t firstY = length > 2 ? length / 2 : length;
         const char16_t* text = m_first.Place(units + u'\0', bytesBehind, atEnd);
         ASSERT_EQ(m_loops.findEnd(text), length);
         ASSERT_EQ(m_loops.findEndWithin(text, length / 2), length / 2);
         ASSERT_EQ(m_loops.findEndWithin(text, kUnlimited), length);
-        ASSERT_EQ(m_loops.findUnitOrEnd(text, u'y'), firstY);
+        ASSERT_EQ(m_loops.findUnit(text, u'y'), length > 2 ? text + length / 2 : nullptr);
+        ASSERT_EQ(m_loops.findUnit(text, u'\0'), text + length);
         ASSERT_EQ(m_loops.findLast(text, u'y'), length > 2 ? text + length - 1 : nullptr);
         ASSERT_EQ(m_loops.findLast(text, u'\0'), text + length);
         ASSERT_EQ(m_loops.findLast(text, u'a' * 0x101), nullptr);
@@ -111,33 +114,77 @@ TEST_P(UnitScan, PairsOfTextsAreComparedWithinTheirPages) {
             const char16_t* const text = m_first.Place(units + u'\0', bytesBehind, atEnd);
             units.append(length % 3, u'k');
             const char16_t* const other = m_second.Place(units + u'\0', otherBehind, atEnd);
-            ASSERT_EQ(m_loops.findDifference(text, other, kUnlimited), length);
-            ASSERT_EQ(m_loops.findDifference(other, text, kUnlimited), length);
-            ASSERT_EQ(m_loops.findDifference(other, text, length / 2), length / 2);
+            ASSERT_EQ(m_loops.findDifference(text, other), length);
+            ASSERT_EQ(m_loops.findDifference(other, text), length);
+            ASSERT_EQ(m_loops.compareWithin(other, text, length), 0);
+            ASSERT_EQ(m_loops.compareWithin(other, text, kUnlimited), length % 3 == 0 ? 0 : 'k');
             ASSERT_EQ(m_loops.findLowerDifference(text, other), length);
             if (length > 0) {
                 units[length / 2] = u'k';
                 const char16_t* const small = m_second.Place(units + u'\0', otherBehind, atEnd);
-                ASSERT_EQ(m_loops.findDifference(text, small, kUnlimited), length / 2);
+                ASSERT_EQ(m_loops.findDifference(text, small), length / 2);
+                ASSERT_EQ(m_loops.compare(text, small), 'K' - 'k');
+                ASSERT_EQ(m_loops.compareWithin(small, text, length / 2), 0);
+                ASSERT_EQ(m_loops.compareWithin(small, text, length / 2 + 1), 'k' - 'K');
+                ASSERT_EQ(m_loops.order(small, text), 1);
                 ASSERT_EQ(m_loops.findLowerDifference(text, small), length);
             }
         });
     }
 }
 
+template <typename Unit>
+void CheckCopy(Unit* (*copy)(Unit*, const Unit*), Unit* target, const Unit* source) {
+    const std::basic_string<Unit> text(source);
+    const Unit before = target[-1];
+    const Unit after = target[text.size() + 1];
+    ASSERT_EQ(copy(target, source), target);
+    ASSERT_EQ(std::basic_string<Unit>(target), text);
+    ASSERT_EQ(target[-1], before);
+    ASSERT_EQ(target[text.size() + 1], after);
+}
+
+TEST_P(UnitScan, CopiesEndBehindTheTerminatorAlsoOntoTheUnitsBelow) {
+    char elsewhere[256];
+    ForEachPlace(1, [&](size_t length, size_t bytesBehind, bool atEnd) {
+        std::string units(length + 1, '\0');
+        std::iota(units.begin(), units.end() - 1, '\1');
+        std::memset(elsewhere, 'x', sizeof elsewhere);
+        CheckCopy(m_loops.copyNarrow, elsewhere + 32, m_first.Place(units, bytesBehind, atEnd));
+        for (const size_t distance : {1u, 2u, 7u, 15u, 16u, 40u, 64u}) {
+            const size_t behind = (bytesBehind + (atEnd ? 0 : 2 * distance + 2)) & ~size_t{1};
+            const std::u16string wide(units.begin(), units.end());
+            const char16_t* const source = m_first.Place(wide, behind, atEnd);
+            CheckCopy(m_loops.copyWide, const_cast<char16_t*>(source - distance), source);
+        }
+    });
+}
+
+const char* s_rest;
+
+i32 ReportRest(const char* first, const char*, size_t limit) {
+    s_rest = limit != 0 ? first : nullptr;
+    return 1000;
+}
+
 TEST_P(UnitScan, NarrowPairsAreFoldedUpToTheFirstHighByte) {
-    ForEachPlace(1, [this](size_t length, size_t bytesBehind, bool atEnd) {
+    struct {
+        const char* first;
+        const char* second;
+        i32 result;
+    } const tails[] = {{"", "", 0},           {"\xC3", "\xC3", 1000}, {"a", "\xE1", 1000},
+                       {"_", "A", '_' - 'A'}, {"", "b", -'B'},        {"{", "[", '{' - '['},
+                       {"z", "Z", 0},         {"a{", "A`", '{' - '`'}};
+    ForEachPlace(1, [&](size_t length, size_t bytesBehind, bool atEnd) {
         const std::string lower = std::string(length, 'q');
         const std::string upper = std::string(length, 'Q');
-        struct {
-            const char* first;
-            const char* second;
-        } const tails[] = {{"", ""}, {"\xC3", "\xC3"}, {"_", "A"}, {"", "b"}, {"{", "["}};
         for (const auto& tail : tails) {
             const char* const first = m_first.Place(lower + tail.first + '\0', bytesBehind, atEnd);
             const char* const second = m_second.Place(upper + tail.second + '\0', 3, atEnd);
-            ASSERT_EQ(m_loops.findUpperDifference(first, second, kUnlimited), length);
-            ASSERT_EQ(m_loops.findUpperDifference(first, second, length / 2), length / 2);
+            s_rest = nullptr;
+            ASSERT_EQ(m_loops.compareUpperWithin(first, second, length, ReportRest), 0);
+            ASSERT_EQ(m_loops.compareUpper(first, second, ReportRest), tail.result);
+            ASSERT_EQ(s_rest, tail.result == 1000 ? first + length : nullptr);
         }
     });
 }

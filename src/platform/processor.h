@@ -1,0 +1,15 @@
+// What the processor can do.
+#ifndef QX_PLATFORM_PROCESSOR_H
+#define QX_PLATFORM_PROCESSOR_H
+
+#include <processor_native.h>
+
+namespace platform {
+
+// Whether instructions over 32 bytes of integers can be used: the processor has them and the system
+// keeps their registers. False on processors of another family. Does not block.
+bool ProcessorHasAvx2() noexcept;
+
+}  // namespace platform
+
+#endif
