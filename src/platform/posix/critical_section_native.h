@@ -1,7 +1,7 @@
 // A recursive lock on a futex word.
 //
-// A thread that ends while it holds a lock leaves it to nobody; the next thread whose storage comes to
-// stand at the same address would take it for its own.
+// A thread that ends while it holds a lock leaves it to nobody; the next thread whose storage comes
+// to stand at the same address would take it for its own.
 //
 // m_state is the lock: 0 free, 1 held, 2 held and somebody may sleep on it. Anybody may write it:
 //   Enter   0 -> 1 (acquire), or in the slow path any -> 2 (acquire when it was 0)
