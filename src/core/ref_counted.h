@@ -40,13 +40,10 @@ class CQXRefPtr {
     CQXRefPtr(CQXRefPtr&& other) noexcept : m_object(other.MoveOut()) {}
     ~CQXRefPtr() { Detach(); }
 
-    // The new object is attached before the old one is detached: they may be the same.
-    CQXRefPtr& operator=(const CQXRefPtr& other) {
-        CQXRefPtr(other).Swap(*this);
-        return *this;
-    }
-    CQXRefPtr& operator=(CQXRefPtr&& other) noexcept {
-        CQXRefPtr(std::move(other)).Swap(*this);
+    // The new object is attached, with the argument, before the old one is detached: they may be
+    // the same.
+    CQXRefPtr& operator=(CQXRefPtr other) noexcept {
+        Swap(other);
         return *this;
     }
 

@@ -173,7 +173,7 @@ QXResult QXEncConverter::ToWide(const char** source, const char* sourceLimit, wc
         return QX_E_NOCONVERTER;
     }
     UErrorCode status = U_ZERO_ERROR;
-    ucnv_toUnicode(m_converter, target, targetLimit, source, sourceLimit, nullptr, UBool{flush},
+    ucnv_toUnicode(m_converter, target, targetLimit, source, sourceLimit, nullptr, flush ? 1 : 0,
                    &status);
     return ResultFromIcu(status);
 }
@@ -184,7 +184,7 @@ QXResult QXEncConverter::FromWide(const wchar** source, const wchar* sourceLimit
         std::terminate();
     }
     UErrorCode status = U_ZERO_ERROR;
-    ucnv_fromUnicode(m_converter, target, targetLimit, source, sourceLimit, nullptr, UBool{flush},
+    ucnv_fromUnicode(m_converter, target, targetLimit, source, sourceLimit, nullptr, flush ? 1 : 0,
                      &status);
     return ResultFromIcu(status);
 }
