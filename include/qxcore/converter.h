@@ -54,7 +54,8 @@ QX_API int32_t QXEncUtilInit(const char* dataDirectory);
  * Until QXEncToW_SetSubstitutionChar is called, bad input is replaced as ICU does it by itself.
  *
  * @param encodingName  at most 127 units, of which the low byte counts; copied. Null for ICU's
- *                      default encoding: the object has no converter if QXEncUtilInit has not run.
+ *                      default encoding: the object has no converter if QXEncUtilInit has not run,
+ * or, with a line on standard output, if it does not open.
  * @return the object, never null. The caller owns it until QXEncToW_Close.
  */
 QX_API QXEncConverter* QXEncToW_Open(const wchar* encodingName);
@@ -143,6 +144,9 @@ QX_API QXResult QXEncFromW_Flush(QXEncConverter* converter, char** target, char*
 
 /**
  * Converts a whole text from one encoding to another. Any thread may call. No terminator is added.
+ *
+ * Sizes go up to 0x7FFFFFFF; larger ones give QX_E_FAIL. After a failure, bytes of the target
+ * behind the written ones may have changed.
  *
  * A target that is too small cannot be continued: *sourceSize may count bytes that did not reach
  * it. Try again with a larger one.

@@ -182,9 +182,9 @@ QX_API wchar* QXStrNZCpyW(wchar* target, size_t targetSize, const wchar* source,
  * @param target      the buffer.
  * @param targetSize  units of the buffer. With 0 nothing bounds the copy.
  * @param source      the text; a terminator is not needed within the units that are copied.
- * @param count       units of the source that are copied at most. The smaller of this and
- *                    `targetSize` - 1 is read as signed 32 bits for the copy: beyond 0x7FFFFFFF
- *                    nothing is copied.
+ * @param count       units of the source that are copied at most. Of the smaller of this and
+ *                    `targetSize` - 1 the low 32 bits count for the copy, as signed: none is copied
+ *                    if they are negative. The terminator stands at the full number.
  */
 QX_API void QXStrNZCpyUTF16(wchar* target, size_t targetSize, const wchar* source, size_t count);
 
@@ -215,7 +215,8 @@ QX_API wchar* QXStrNZCatW(wchar* target, size_t targetSize, const wchar* source,
  * @param target      the buffer with the text in it.
  * @param targetSize  units of the buffer. With 0 a terminator is stored one unit in front of it.
  * @param source      the text; a terminator is not needed within the units that are copied.
- * @param count       units of the source that are appended at most.
+ * @param count       units of the source that are appended at most, of which, and of the room, the
+ *                    low 32 bits count as for QXStrNZCpyUTF16.
  */
 QX_API void QXStrNZCatUTF16(wchar* target, size_t targetSize, const wchar* source, size_t count);
 
@@ -320,8 +321,8 @@ QX_API int32_t QXStrNCmpW(const wchar* first, const wchar* second, size_t count)
  *
  * @param first   units; a terminator is not needed within `count` units.
  * @param second  the same.
- * @param count   units that take part at most; only its low 32 bits are read, as signed. Below 1
- *                the texts count as equal.
+ * @param count   units that take part at most; only its low 32 bits are read, as signed. 0 makes
+ * the texts equal; a negative number compares them whole, up to their terminators.
  * @return negative, 0 or positive: the first is less, equal or greater.
  */
 QX_API int32_t QXStrNCmpUTF16(const wchar* first, const wchar* second, size_t count);
@@ -506,7 +507,9 @@ QX_API wchar* QXStrToUpperW(wchar* text);
  *
  * The mapping runs over twice the text's length: over the text, its terminator and what stands
  * behind it, and all of that changes case. A mapping that lengthens the text moves its terminator
- * along.
+ * along. What becomes longer than twice the text is cut there, and the terminator may be lost: a
+ * buffer of one unit more, set to 0, is safe. Where such a cut finds no memory for a copy, the text
+ * stays as it is.
  *
  * @param text  the text, in a buffer of at least twice its length in units, all of it initialised.
  * @return `text`.

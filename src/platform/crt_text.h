@@ -48,6 +48,8 @@ int _wtoi(const char16_t* text) noexcept;
 i64 _wtoi64(const char16_t* text) noexcept;
 i32 strtol(const char* text, char** end, int radix) noexcept;
 u32 strtoul(const char* text, char** end, int radix) noexcept;
+i64 strtoll(const char* text, char** end, int radix) noexcept;
+u64 strtoull(const char* text, char** end, int radix) noexcept;
 i32 wcstol(const char16_t* text, char16_t** end, int radix) noexcept;
 u32 wcstoul(const char16_t* text, char16_t** end, int radix) noexcept;
 i64 wcstoll(const char16_t* text, char16_t** end, int radix) noexcept;

@@ -15,8 +15,16 @@ namespace {
 template <char kFrom, typename Unit>
 void FoldUnits(Unit* text, std::size_t count) {
     constexpr unit_scan::FoldAscii<Unit, kFrom> kFold;
+    const auto foldAt = [=](std::size_t index) {
+        return static_cast<Unit>(kFold(static_cast<unit_scan::Plain<Unit>>(text[index])));
+    };
+    unsigned changes = 0;
     for (std::size_t index = 0; index < count; ++index) {
-        text[index] = static_cast<Unit>(kFold(static_cast<unit_scan::Plain<Unit>>(text[index])));
+        changes |= static_cast<unsigned>(text[index] ^ foldAt(index));
+    }
+    // Text that is as it should be is not written to.
+    for (std::size_t index = 0; changes != 0 && index < count; ++index) {
+        text[index] = foldAt(index);
     }
 }
 

@@ -26,7 +26,7 @@ int32_t QXStrToLW(const wchar* text, wchar** end, int32_t radix) {
 }
 
 int64_t QXStrToLLA(const char* text, char** end, int32_t radix) {
-    return std::strtoll(text, end, radix);
+    return platform::strtoll(text, end, radix);
 }
 
 int64_t QXStrToLLW(const wchar* text, wchar** end, int32_t radix) {
@@ -42,7 +42,7 @@ uint32_t QXStrToULW(const wchar* text, wchar** end, int32_t radix) {
 }
 
 uint64_t QXStrToULLA(const char* text, char** end, int32_t radix) {
-    return std::strtoull(text, end, radix);
+    return platform::strtoull(text, end, radix);
 }
 
 double QXStrToDA(const char* text, char** end) {

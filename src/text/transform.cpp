@@ -18,7 +18,7 @@ std::size_t LengthOf(const char16_t* text) noexcept {
 }
 
 // No sum of lengths leaves 32 bits for a text up to this.
-constexpr std::size_t kLongest = INT32_MAX / 3;
+constexpr std::size_t kLongest = INT32_MAX / 4;
 
 // The start of the text that needs nothing of ICU. Arguments that it refuses, or that ask for a
 // length only, are left to it whole.

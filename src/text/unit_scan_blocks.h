@@ -31,6 +31,19 @@ unsigned Lead(const void* text) {
     return static_cast<unsigned>(reinterpret_cast<std::uintptr_t>(text) % kBlockSize);
 }
 
+// Units that stand across the lanes of an aligned block are taken alone.
+template <typename Unit>
+bool IsAligned(const Unit* text) {
+    return reinterpret_cast<std::uintptr_t>(text) % sizeof(Unit) == 0;
+}
+
+template <typename Unit>
+Plain<Unit> LoadUnit(const Unit* text) {
+    Plain<Unit> unit;
+    __builtin_memcpy(&unit, text, sizeof unit);
+    return unit;
+}
+
 template <typename Unit>
 Block<Unit> LoadAligned(const char* block) {
     return (Block<Unit>)*reinterpret_cast<const Raw*>(block);

@@ -87,6 +87,11 @@ template <typename Unit, typename Count, typename Test>
             if (offset < kGroupSize) {
                 break;
             }
+        } else if (!IsAligned(at)) {
+            if (test(LoadUnit(at))) {
+                break;
+            }
+            ++index;
         } else {
             const unsigned hits = HitsInBlock(at, test);
             if (hits != 0) {
@@ -209,6 +214,11 @@ template <typename Unit>
 
 template <typename Unit>
 [[gnu::always_inline]] inline bool CopyBlock(Unit*& target, const Unit*& source) {
+    if (!IsAligned(source)) {
+        const bool isEnd = IsEnd()(LoadUnit(source));
+        CopyUpToBlock(target++, source++, sizeof(Unit));
+        return !isEnd;
+    }
     const unsigned ends = HitsInBlock(source, IsEnd());
     const std::size_t size = ends != 0 ? LowestBit(ends) + sizeof(Unit) : kBlockSize - Lead(source);
     CopyUpToBlock(target, source, size);

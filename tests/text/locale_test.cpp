@@ -24,21 +24,20 @@ TEST(LocaleName, IsAFunctionOfTheWholeNumber) {
     }
     std::set<std::string> names;
     size_t rows = 1;  // the one whose name is that of all others
+    // Holds each name at its number.
+    constexpr uint64_t kHashOfAllRows = 0x6B2BD5331FA53A07;
+    uint64_t hash = 0xCBF29CE484222325;
     for (uint32_t number = 0; number <= 0x1FFFF; ++number) {
         const std::string name = QXLocaleNameFromLCID(number);
         rows += name != "en_US" ? 1 : 0;
         names.insert(name);
+        for (const char unit : name != "en_US" ? std::to_string(number) + name : "") {
+            hash = (hash ^ static_cast<unsigned char>(unit)) * 0x100000001B3;
+        }
     }
     EXPECT_EQ(225u, rows);
     EXPECT_EQ(225u, names.size());
-    // A row with a sublanguage has the language of the row without one.
-    for (uint32_t number = 0x400; number <= 0x1FFFF; ++number) {
-        const std::string name = QXLocaleNameFromLCID(number);
-        if (name != "en_US" && name.compare(0, 2, "nn") != 0 && name.substr(2, 3) != "_YU") {
-            const std::string language = QXLocaleNameFromLCID(number & 0x3FF);
-            EXPECT_EQ(language, name.substr(0, name.find('_'))) << std::hex << number;
-        }
-    }
+    EXPECT_EQ(kHashOfAllRows, hash) << std::hex << hash;
 }
 
 struct LocaleRow {

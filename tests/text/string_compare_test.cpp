@@ -60,6 +60,8 @@ TEST(StringCompare, CountsBoundWhatIsRead) {
         EXPECT_EQ(QXStrNICmpA(narrowFirst.data(), narrowSecond.data(), count), count < 3 ? 0 : -1);
     }
     EXPECT_EQ(QXStrNCmpUTF16(u"a", u"b", 0x100000000), 0);
+    EXPECT_LT(QXStrNCmpUTF16(u"a", u"b", SIZE_MAX), 0);
+    EXPECT_LT(QXStrNCmpUTF16(u"a", u"b", 0x80000000), 0);
 }
 
 TEST(StringCompare, AsciiFoldsUpNarrowAndDownWide) {

@@ -69,6 +69,7 @@ TEST(StringNumber, EveryReaderAgreesOnSyntax) {
     for (const int32_t radix : {-1, 1, 37}) {
         ExpectReadings({"11", radix, 0, 0, EINVAL}, QXStrToLA, QXStrToLW);
         ExpectReadings({"11", radix, 0, 0, EINVAL}, QXStrToULA, QXStrToULW);
+        ExpectReadings({"11", radix, 0, 0, EINVAL}, QXStrToLLA, QXStrToLLW);
     }
     EXPECT_EQ(QXStrToLA("12", nullptr, 10), 12);
     EXPECT_EQ(QXStrToLW(u"12", nullptr, 10), 12);

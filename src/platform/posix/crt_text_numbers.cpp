@@ -206,6 +206,14 @@ u32 strtoul(const char* text, char** end, int radix) noexcept {
     return Read<u32>(text, end, radix);
 }
 
+i64 strtoll(const char* text, char** end, int radix) noexcept {
+    return Read<i64>(text, end, radix);
+}
+
+u64 strtoull(const char* text, char** end, int radix) noexcept {
+    return Read<u64>(text, end, radix);
+}
+
 i32 wcstol(const char16_t* text, char16_t** end, int radix) noexcept {
     return Read<i32>(text, end, radix);
 }

@@ -120,6 +120,14 @@ inline u32 wcstoul(const char16_t* text, char16_t** end, int radix) noexcept {
     return ::wcstoul(Native(text), NativeEnd(end), radix);
 }
 
+inline i64 strtoll(const char* text, char** end, int radix) noexcept {
+    return ::strtoll(text, end, radix);
+}
+
+inline u64 strtoull(const char* text, char** end, int radix) noexcept {
+    return ::strtoull(text, end, radix);
+}
+
 inline i64 wcstoll(const char16_t* text, char16_t** end, int radix) noexcept {
     return ::_wcstoi64(Native(text), NativeEnd(end), radix);
 }
