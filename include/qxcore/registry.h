@@ -10,9 +10,9 @@
  * Each function opens and closes what it needs; no key stays open but inside an enumeration. Any
  * thread may call, also at the same time as other processes; only the handle of an enumeration
  * belongs to one thread at a time. A function that writes waits for others that write, for a minute
- * at the most: then it gives QX_E_FAIL. The process's other calls, and a fork, wait with it. After
- * a fork the child works on. A file that is removed or replaced meanwhile is followed: by what
- * writes at once, by what reads within a second; an enumeration of the old file ends.
+ * at the most: then it gives QX_E_FAIL. After a fork the child works on. A file that is removed or
+ * replaced meanwhile is followed: by what writes at once, by what reads within a second; an
+ * enumeration of the old file ends.
  *
  * On the reference platform this is the system's registry. Elsewhere each user has a file in
  * `$XDG_CONFIG_HOME/w64qxcore6` or `~/.config/w64qxcore6` (user.db), and the machine one in

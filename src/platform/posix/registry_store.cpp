@@ -56,10 +56,6 @@ void SleepWithJitter(u32 waits) noexcept {
     ::nanosleep(&pause, nullptr);
 }
 
-int OnBusy(void* store, int) {
-    return static_cast<RegistryStore*>(store)->WaitForOthers() ? 1 : 0;
-}
-
 struct Closer {
     void operator()(sqlite3* database) const noexcept { ::sqlite3_close_v2(database); }
 };
@@ -78,9 +74,8 @@ Connection OpenFile(const char* file) {
 
 // The side files stay when the last writer goes, and are as readable as the file itself: without
 // them, users who may only read could not.
-void Configure(sqlite3* database, RegistryStore* store) {
+void Configure(sqlite3* database) {
     int persist = 1;
-    ::sqlite3_busy_handler(database, OnBusy, store);
     ::sqlite3_file_control(database, "main", SQLITE_FCNTL_PERSIST_WAL, &persist);
     ::sqlite3_db_config(database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
     CheckStatus(
@@ -101,13 +96,7 @@ void ThrowUnlessSuccess(u32 error) {
 
 }  // namespace
 
-void RegistryStore::Enter() noexcept {
-    EnterCriticalSection(&m_lock);
-    m_waitingSince = 0;
-    m_waits = 0;
-}
-
-bool RegistryStore::WaitForOthers() noexcept {
+bool Patience::Wait() noexcept {
     const i64 now = MonotonicMilliseconds();
     if (m_waitingSince == 0) {
         m_waitingSince = now;
@@ -147,7 +136,7 @@ bool RegistryStore::Connect(Purpose purpose) {
     // Before the file is opened: if it is replaced in between, the next look finds a difference.
     const FileIdentity file = FileAtPlace();
     Connection connection = OpenFile(Location().m_file.c_str());
-    Configure(connection.get(), this);
+    Configure(connection.get());
     StoreContent content = IdentifyStore(connection.get());
     if (content == StoreContent::kNothing) {
         if (purpose == Purpose::kRead) {

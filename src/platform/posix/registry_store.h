@@ -64,11 +64,8 @@ class RegistryStore {
     sqlite3_stmt* Prepared(Statement which);
     sqlite3* Database() const noexcept { return m_database; }
 
-    void Enter() noexcept;
+    void Enter() noexcept { EnterCriticalSection(&m_lock); }
     void Leave() noexcept { LeaveCriticalSection(&m_lock); }
-
-    // Waits a little for other processes. False once the operation has waited for long enough.
-    bool WaitForOthers() noexcept;
 
     // Closing for a while leaves the log for the next connection.
     enum class Closing { kForAWhile, kForGood };
@@ -91,8 +88,6 @@ class RegistryStore {
     StoreLocation* m_location = nullptr;
     sqlite3* m_database = nullptr;
     std::array<sqlite3_stmt*, kStatementCount> m_prepared{};
-    i64 m_waitingSince = 0;  // milliseconds; 0 while the operation has not waited
-    u32 m_waits = 0;
     u32 m_incarnation = 0;
     FileIdentity m_connectedFile{};
     time_t m_lastLook = 0;
@@ -101,28 +96,52 @@ class RegistryStore {
 
 RegistryStore& StoreOf(StoreNumber number) noexcept;
 
-// Runs an operation on a store under its lock, again and again while others are in its way, and
-// turns what it throws into its number. The operation is such that it can start over.
+// How long an operation waits for other processes.
+class Patience {
+  public:
+    // Waits a little. False once that has gone on for long enough.
+    bool Wait() noexcept;
+
+  private:
+    i64 m_waitingSince = 0;  // milliseconds; 0 before the first wait
+    u32 m_waits = 0;
+};
+
+// One attempt under the store's lock. `failure` tells why there is no number.
 template <typename Operation>
-u32 RunOnStore(StoreNumber number, Operation&& operation) noexcept {
-    const ErrnoKeeper keepErrno;
-    const CancellationOff noCancellation;
+bool TryOnStore(RegistryStore& store, Operation& operation, u32& number, StoreFailure& failure) {
     struct Holder {
-        explicit Holder(RegistryStore& store) noexcept : m_store(store) { m_store.Enter(); }
+        explicit Holder(RegistryStore& held) noexcept : m_store(held) { m_store.Enter(); }
         ~Holder() { m_store.Leave(); }
         RegistryStore& m_store;
-    } const holder(StoreOf(number));
-    for (;;) {
-        try {
-            return operation(holder.m_store);
-        } catch (const StoreFailure& failure) {
-            if (!failure.m_transient || !holder.m_store.WaitForOthers()) {
-                return failure.m_number;
-            }
-        } catch (const std::bad_alloc&) {
-            return kErrorOutOfMemory;
+    } const holder(store);
+    try {
+        number = operation(store);
+        return true;
+    } catch (const StoreFailure& thrown) {
+        failure = thrown;
+    } catch (const std::bad_alloc&) {
+        failure = {kErrorOutOfMemory, false};
+    }
+    return false;
+}
+
+// Runs an operation on a store, again and again while other processes are in its way, and turns
+// what it throws into its number. The operation is such that it can start over. Nobody else has to
+// wait while it waits.
+template <typename Operation>
+u32 RunOnStore(StoreNumber which, Operation&& operation) noexcept {
+    const ErrnoKeeper keepErrno;
+    const CancellationOff noCancellation;
+    Patience patience;
+    u32 number = kErrorSuccess;
+    StoreFailure failure{};
+    while (!TryOnStore(StoreOf(which), operation, number, failure)) {
+        if (!failure.m_transient || !patience.Wait()) {
+            return failure.m_number;
         }
     }
+    return number;
 }
 
 }  // namespace platform
