@@ -2,6 +2,8 @@
 #ifndef QX_TESTS_SUPPORT_EXACT_TEXT_H
 #define QX_TESTS_SUPPORT_EXACT_TEXT_H
 
+#include <algorithm>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,5 +28,28 @@ inline std::u16string Widen(std::string_view text) {
     }
     return wide;
 }
+
+// A block to be written to, filled with a unit that stands for "untouched"; or a copy of a text.
+template <typename Unit>
+class ExactBlock {
+  public:
+    static constexpr Unit kUntouched = 0x55;
+
+    explicit ExactBlock(size_t size) : m_size(size), m_units(new Unit[size]) {
+        std::fill_n(m_units.get(), size, kUntouched);
+    }
+    explicit ExactBlock(std::basic_string_view<Unit> text) : ExactBlock(text.size()) {
+        std::copy(text.begin(), text.end(), m_units.get());
+    }
+
+    Unit* Begin() { return m_units.get(); }
+    Unit* End() { return m_units.get() + m_size; }
+    size_t Size() const { return m_size; }
+    std::basic_string<Unit> Content() const { return {m_units.get(), m_size}; }
+
+  private:
+    size_t m_size;
+    std::unique_ptr<Unit[]> m_units;
+};
 
 #endif

@@ -10,7 +10,7 @@
 #include <string>
 
 #include "support/allocation_fault.h"
-#include "support/exact_block.h"
+#include "support/exact_text.h"
 
 namespace {
 

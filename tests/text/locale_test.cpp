@@ -6,7 +6,7 @@
 #include <set>
 #include <string>
 
-#include "support/exact_block.h"
+#include "support/exact_text.h"
 #include "text/locale_names.h"
 
 namespace {

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "support/allocation_fault.h"
-#include "support/exact_block.h"
+#include "support/exact_text.h"
 
 namespace {
 

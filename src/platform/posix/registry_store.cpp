@@ -169,11 +169,11 @@ bool RegistryStore::Open(Purpose purpose) {
 }
 
 bool RegistryStore::CanWrite() {
-    if (IsReadOnly()) {
-        Close(Closing::kForAWhile);
-        Connect(Purpose::kRead);
+    if (!IsReadOnly()) {
+        return true;
     }
-    return !IsReadOnly();
+    Close(Closing::kForAWhile);
+    return Connect(Purpose::kRead) && !IsReadOnly();
 }
 
 void RegistryStore::OpenForWriting() {
