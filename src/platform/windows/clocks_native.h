@@ -20,6 +20,24 @@ inline void (*FindSystemTimeFunction(const char* name) noexcept)(FILETIME*) {
     return found;
 }
 
+inline bool QueryPerformanceCounter(i64* ticks) noexcept {
+    LARGE_INTEGER count;
+    const bool answered = ::QueryPerformanceCounter(&count) != 0;
+    *ticks = count.QuadPart;
+    return answered;
+}
+
+inline bool QueryPerformanceFrequency(i64* ticksPerSecond) noexcept {
+    LARGE_INTEGER rate;
+    const bool answered = ::QueryPerformanceFrequency(&rate) != 0;
+    *ticksPerSecond = rate.QuadPart;
+    return answered;
+}
+
+inline u32 GetTickCount() noexcept {
+    return ::GetTickCount();
+}
+
 }  // namespace platform
 
 #endif
