@@ -2,8 +2,8 @@
  * @file
  * Zero-terminated text: narrow, wide and UTF-16.
  *
- * The suffix of a name tells the form of the text. `A` is narrow text, 8-bit units, in UTF-8 as far
- * as anything here looks at more than ASCII. `W` is wide text, each 16-bit unit handled alone.
+ * The suffix of a name tells the form of the text. `A` is narrow text, 8-bit units: UTF-8 on Linux,
+ * the ANSI code page on Windows. `W` is wide text, each 16-bit unit handled alone.
  * `UCS2` is the same, by other rules for the result. `UTF16` is wide text in which ICU sees
  * surrogate pairs. `N` before the verb means bounded by a count; `NZ` takes the target's size too
  * and always terminates, so long as that size is at least 1; `I` ignores case. A name that ends in
@@ -23,8 +23,9 @@
  *
  * There is no shared state: any thread may call anything at any time. The case, class and number
  * functions read the locale of the process (its character classification and its decimal point) for
- * what lies outside ASCII; loading this library sets that locale from the environment. Narrow units
- * from 0x80 up are parts of longer characters: they belong to no class and keep their value.
+ * what lies outside ASCII; loading this library sets that locale from the environment. ASCII is
+ * ASCII in every locale. Narrow units from 0x80 up are parts of longer characters on Linux: they
+ * belong to no class and keep their value. On Windows the C runtime's locale decides about them.
  */
 #ifndef QXCORE_STRING_H
 #define QXCORE_STRING_H
@@ -462,10 +463,10 @@ QX_API wchar* QXStrTokW(wchar** cursor, const wchar* delimiters);
 /** @name Case @{ */
 
 /**
- * Maps one narrow unit to lower or upper case. Only ASCII letters change.
+ * Maps one narrow unit to lower or upper case. From 0x80 up nothing changes on Linux.
  *
  * @param unit  the unit.
- * @return the mapped unit; one from 0x80 up comes back as a negative number.
+ * @return the mapped unit; on Linux one from 0x80 up comes back as a negative number.
  */
 QX_API int32_t QXToLowerA(char unit);
 /** @copydoc QXToLowerA */
@@ -482,7 +483,7 @@ QX_API uint32_t QXToLowerW(wchar unit);
 QX_API uint32_t QXToUpperW(wchar unit);
 
 /**
- * Maps a text to lower or upper case in place. Only ASCII letters change.
+ * Maps a text to lower or upper case in place. From 0x80 up nothing changes on Linux.
  *
  * @param text  the text.
  * @return `text`.
@@ -523,9 +524,9 @@ QX_API wchar* QXStrToUpperUTF16(wchar* text);
 /** @name Character classes @{ */
 
 /**
- * Tells whether a narrow unit is a letter or a digit, in ASCII.
+ * Tells whether a narrow unit is a letter or a digit.
  *
- * @param unit  the unit; from 0x80 up it is neither.
+ * @param unit  the unit; from 0x80 up it is neither on Linux.
  * @return not 0 if it is.
  */
 QX_API int32_t QXIsAlphaA(signed char unit);
@@ -545,8 +546,8 @@ QX_API int32_t QXIsDigitW(wchar unit);
 /**
  * Tells whether a narrow unit is white space: 32, or 9 to 13.
  *
- * @param unit  the unit; from 0x80 up it is not.
- * @return 1 or 0.
+ * @param unit  the unit; from 0x80 up it is not on Linux.
+ * @return not 0 if it is; 1 or 0 below 0x80.
  */
 QX_API int32_t QXIsSpaceA(char unit);
 

@@ -13,7 +13,8 @@ namespace platform {
 // "The locale" is the process's own, or the calling thread's if it has one.
 
 // Comparisons give the difference of the first pair of units that differ when both are mapped to
-// lower case, or 0. Narrow units from 0x80 up are mapped to themselves, wide ones by the locale.
+// lower case, or 0. ASCII letters are mapped as such in every locale, wide units above by the
+// locale, narrow ones to themselves where narrow text is UTF-8 and by its code page elsewhere.
 int _stricmp(const char* first, const char* second) noexcept;
 int _strnicmp(const char* first, const char* second, std::size_t count) noexcept;
 int _wcsicmp(const char16_t* first, const char16_t* second) noexcept;
@@ -25,24 +26,25 @@ char* _strupr(char* text) noexcept;
 char16_t* _wcslwr(char16_t* text) noexcept;
 char16_t* _wcsupr(char16_t* text) noexcept;
 
-// A narrow unit comes as a sign-extended number. A negative one maps to itself and has no class.
+// A narrow unit comes as a sign-extended number. Where narrow text is UTF-8, a negative one maps to
+// itself and has no class; elsewhere its code page decides.
 int tolower(int unit) noexcept;
 int toupper(int unit) noexcept;
 int isalpha(int unit) noexcept;
 int isdigit(int unit) noexcept;
 int isspace(int unit) noexcept;
 
-// By the locale. A surrogate maps to itself and has no class.
+// By the locale, ASCII letters as such. A surrogate maps to itself and has no class.
 char16_t towlower(char16_t unit) noexcept;
 char16_t towupper(char16_t unit) noexcept;
 int iswalpha(char16_t unit) noexcept;
 int iswdigit(char16_t unit) noexcept;
 int iswspace(char16_t unit) noexcept;
 
-// Read a whole number: white space, a sign, digits. What does not fit becomes the nearest of the
-// range (of the unsigned forms the greatest, decided before a minus sign negates), and errno
-// ERANGE. `end` may be null; it receives the beginning of the text if there is no number. A radix
-// is 0 or 2 to 36: another one gives 0 and errno EINVAL.
+// Our own on every platform (common/). Read a whole number: white space, a sign, digits. What does
+// not fit becomes the nearest of the range (of the unsigned forms the greatest, decided before a
+// minus sign negates), and errno ERANGE. `end` may be null; it receives the beginning of the text
+// if there is no number. A radix is 0 or 2 to 36: another one gives 0 and errno EINVAL.
 int atoi(const char* text) noexcept;
 int _wtoi(const char16_t* text) noexcept;
 i64 _wtoi64(const char16_t* text) noexcept;
@@ -58,8 +60,8 @@ i64 wcstoll(const char16_t* text, char16_t** end, int radix) noexcept;
 // if that is full, the result is 0 and errno ENOMEM.
 double wcstod(const char16_t* text, char16_t** end) noexcept;
 
-// Write a number in a radix of 2 to 36, with small letters and a minus sign for radix 10 only, and
-// give the buffer. Another radix gives an empty text and errno EINVAL.
+// Our own on every platform. Write a number in a radix of 2 to 36, with small letters and a minus
+// sign for radix 10 only, and give the buffer. Another radix gives an empty text and errno EINVAL.
 char* _ltoa(i32 value, char* buffer, int radix) noexcept;
 char16_t* _ltow(i32 value, char16_t* buffer, int radix) noexcept;
 char* _i64toa(i64 value, char* buffer, int radix) noexcept;

@@ -2,8 +2,8 @@
 
 #include <cstring>
 
+#include "platform/common/utf_run.h"
 #include "platform/multibyte.h"
-#include "platform/utf_run.h"
 #include "text/unit_scan.h"
 
 namespace {

@@ -91,11 +91,13 @@ char16_t* MapDoubled(char16_t* text, MapWithICU* map) {
 }  // namespace
 
 int32_t QXToLowerA(char unit) {
-    return platform::tolower(static_cast<signed char>(unit));
+    const auto code = static_cast<signed char>(unit);
+    return code >= 0 ? FoldUnit<'A'>(unit) : platform::tolower(code);
 }
 
 int32_t QXToUpperA(char unit) {
-    return platform::toupper(static_cast<signed char>(unit));
+    const auto code = static_cast<signed char>(unit);
+    return code >= 0 ? FoldUnit<'a'>(unit) : platform::toupper(code);
 }
 
 uint32_t QXToLowerW(wchar unit) {

@@ -20,8 +20,14 @@ i32 SignOf(i32 difference) {
     return (difference > 0) - (difference < 0);
 }
 
-// Behind the first unit that is not ASCII, lower case decides.
-i32 CompareLower(const char* first, const char* second, std::size_t count) {
+// Behind the first unit that is not ASCII, lower case decides. Not every runtime takes a count of
+// all ones for no limit.
+
+i32 CompareLower(const char* first, const char* second, std::size_t) {
+    return platform::_stricmp(first, second);
+}
+
+i32 CompareLowerWithin(const char* first, const char* second, std::size_t count) {
     return platform::_strnicmp(first, second, count);
 }
 
@@ -74,7 +80,7 @@ int32_t QXStrNCmpUTF16(const wchar* first, const wchar* second, size_t count) {
 }
 
 int32_t QXStrNICmpA(const char* first, const char* second, size_t count) {
-    return unit_scan::CompareUpper(first, second, count, CompareLower);
+    return unit_scan::CompareUpper(first, second, count, CompareLowerWithin);
 }
 
 int32_t QXStrNICmpW(const wchar* first, const wchar* second, size_t count) {

@@ -6,7 +6,7 @@
 
 #include <cstring>
 
-#include "platform/utf_run.h"
+#include "platform/common/utf_run.h"
 
 namespace {
 

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <string>
 
+#include "support/allocation_fault.h"
 #include "support/exact_text.h"
 
 namespace {
@@ -159,6 +160,46 @@ TEST(StringNumber, FloatingPointReadersAgree) {
     EXPECT_TRUE(std::isnan(QXStrToDW(u"nan(1)", nullptr)));
 }
 
+// The longest number is found without a look at all that follows it: only a long one is copied.
+TEST(StringNumber, NumbersOfAListAreReadOneByOne) {
+    struct Case {
+        std::u16string element;
+        double value;
+        std::ptrdiff_t length;
+    };
+    for (const Case& each : {Case{u"1.5.", 1.5, 3},
+                             {u"-2e+1+", -20, 5},
+                             {u"0x1p1-", 2, 5},
+                             {u"infinityx", INFINITY, 8},
+                             {u"7_", 7, 1}}) {
+        std::u16string list;
+        while (list.size() < 500) {
+            list += each.element;
+        }
+        wchar* end = nullptr;
+        FailAllocation(1);
+        EXPECT_EQ(QXStrToDW(list.data(), &end), each.value);
+        EXPECT_EQ(end - list.data(), each.length);
+        EXPECT_FALSE(AllocationHasFailed());
+        FailAllocation(0);
+    }
+}
+
+TEST(StringNumber, LongNumberWithoutMemoryIsNone) {
+    const std::u16string digits(121, u'7');
+    wchar* end = nullptr;
+    FailAllocation(1);
+    errno = 0;
+    const double value = QXStrToDW(digits.data(), &end);
+    const int error = errno;
+    if (AllocationHasFailed()) {
+        EXPECT_EQ(value, 0);
+        EXPECT_EQ(end, digits.data());
+        EXPECT_EQ(error, ENOMEM);
+    }
+    FailAllocation(0);
+}
+
 TEST(StringNumber, NumbersAreWrittenWithASignInRadixTenAlone) {
     struct Case {
         int64_t value;
@@ -185,6 +226,12 @@ TEST(StringNumber, NumbersAreWrittenWithASignInRadixTenAlone) {
         std::vector<char16_t> wide32(exact32.size()), wide64(exact64.size());
         EXPECT_EQ(QXLToStrW(value32, wide32.data(), each.radix), Widen(each.as32));
         EXPECT_EQ(QXInt64ToStrW(each.value, wide64.data(), each.radix), Widen(each.as64));
+    }
+    for (const int32_t radix : {-1, 0, 1, 37}) {
+        char text[66] = "x";
+        errno = 0;
+        EXPECT_STREQ(QXLToStrA(5, text, radix), "");
+        EXPECT_EQ(errno, EINVAL);
     }
     char text[66];
     EXPECT_STREQ(QXInt64ToStrA(INT64_MIN, text, 10), "-9223372036854775808");

@@ -29,14 +29,15 @@ inline int isspace(int unit) noexcept {
     return unit == ' ' || (unit >= '\t' && unit <= '\r');
 }
 
-// No character of the first plane maps out of it.
+// No character of the first plane maps out of it. ASCII letters are pairs in every locale, as on
+// the reference platform, also where the C library pairs "i" with a capital that has a dot.
 
 inline char16_t towlower(char16_t unit) noexcept {
-    return static_cast<char16_t>(std::towlower(unit));
+    return static_cast<char16_t>(unit < 0x80 ? platform::tolower(unit) : std::towlower(unit));
 }
 
 inline char16_t towupper(char16_t unit) noexcept {
-    return static_cast<char16_t>(std::towupper(unit));
+    return static_cast<char16_t>(unit < 0x80 ? platform::toupper(unit) : std::towupper(unit));
 }
 
 inline int iswalpha(char16_t unit) noexcept {

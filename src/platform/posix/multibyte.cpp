@@ -6,8 +6,8 @@
 #include <cstring>
 #include <string>
 
+#include "platform/common/utf_run.h"
 #include "platform/errors.h"
-#include "platform/utf_run.h"
 #include "utf8.h"
 
 namespace platform {

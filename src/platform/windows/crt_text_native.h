@@ -92,64 +92,8 @@ inline int iswspace(char16_t unit) noexcept {
     return ::iswspace(unit);
 }
 
-inline int atoi(const char* text) noexcept {
-    return ::atoi(text);
-}
-
-inline int _wtoi(const char16_t* text) noexcept {
-    return ::_wtoi(Native(text));
-}
-
-inline i64 _wtoi64(const char16_t* text) noexcept {
-    return ::_wtoi64(Native(text));
-}
-
-inline i32 strtol(const char* text, char** end, int radix) noexcept {
-    return ::strtol(text, end, radix);
-}
-
-inline u32 strtoul(const char* text, char** end, int radix) noexcept {
-    return ::strtoul(text, end, radix);
-}
-
-inline i32 wcstol(const char16_t* text, char16_t** end, int radix) noexcept {
-    return ::wcstol(Native(text), NativeEnd(end), radix);
-}
-
-inline u32 wcstoul(const char16_t* text, char16_t** end, int radix) noexcept {
-    return ::wcstoul(Native(text), NativeEnd(end), radix);
-}
-
-inline i64 strtoll(const char* text, char** end, int radix) noexcept {
-    return ::strtoll(text, end, radix);
-}
-
-inline u64 strtoull(const char* text, char** end, int radix) noexcept {
-    return ::strtoull(text, end, radix);
-}
-
-inline i64 wcstoll(const char16_t* text, char16_t** end, int radix) noexcept {
-    return ::_wcstoi64(Native(text), NativeEnd(end), radix);
-}
-
 inline double wcstod(const char16_t* text, char16_t** end) noexcept {
     return ::wcstod(Native(text), NativeEnd(end));
-}
-
-inline char* _ltoa(i32 value, char* buffer, int radix) noexcept {
-    return ::_ltoa(value, buffer, radix);
-}
-
-inline char16_t* _ltow(i32 value, char16_t* buffer, int radix) noexcept {
-    return FromNative(::_ltow(value, Native(buffer), radix));
-}
-
-inline char* _i64toa(i64 value, char* buffer, int radix) noexcept {
-    return ::_i64toa(value, buffer, radix);
-}
-
-inline char16_t* _i64tow(i64 value, char16_t* buffer, int radix) noexcept {
-    return FromNative(::_i64tow(value, Native(buffer), radix));
 }
 
 }  // namespace platform

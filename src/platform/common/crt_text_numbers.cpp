@@ -1,19 +1,18 @@
-// Numbers and text, with the reference platform's widths: a `long` of 32 bits, wide units of 16.
-#include <langinfo.h>
-#include <wchar.h>
-
+// Whole numbers and text, with the reference platform's widths: a `long` of 32 bits, wide units of
+// 16.
+#include <algorithm>
 #include <cerrno>
-#include <cstdlib>
+#include <iterator>
 #include <limits>
-#include <memory>
 #include <type_traits>
 
+#include "platform/common/digit.h"
 #include "platform/crt_text.h"
 
 namespace platform {
 namespace {
 
-// ---- Reading whole numbers
+// ---- Reading
 
 bool IsSpace(char unit) noexcept {
     return platform::isspace(unit) != 0;
@@ -21,23 +20,6 @@ bool IsSpace(char unit) noexcept {
 
 bool IsSpace(char16_t unit) noexcept {
     return platform::iswspace(unit) != 0;
-}
-
-// The digit's value, or 36 and more for what is no digit in any radix.
-template <typename Unit>
-unsigned DigitOf(Unit unit) noexcept {
-    const unsigned code = static_cast<std::make_unsigned_t<Unit>>(unit);
-    if (code - '0' < 10) {
-        return code - '0';
-    }
-    const unsigned letter = (code | 0x20) - 'a';
-    return letter < 26 ? letter + 10 : 36;
-}
-
-// u16 stands for the wide unit, of which there is no unsigned form.
-template <>
-unsigned DigitOf(char16_t unit) noexcept {
-    return DigitOf<u16>(unit);
 }
 
 // A number before it gets its width: saturated at 64 bits.
@@ -122,36 +104,6 @@ Result Read(const Unit* text, Unit** end, int radix) noexcept {
     return Fit<Result>(number);
 }
 
-// ---- Reading floating-point numbers
-
-wchar_t DecimalPoint() noexcept {
-    const char* const narrow = nl_langinfo(RADIXCHAR);
-    wchar_t point = L'.';
-    std::mbstate_t state{};
-    std::mbrtowc(&point, narrow, std::char_traits<char>::length(narrow), &state);
-    return point;
-}
-
-// Covers the words for infinity and for what is no number too.
-bool CanStandInNumber(char16_t unit, wchar_t point) noexcept {
-    constexpr std::u16string_view kSigns = u"+-._()";
-    return DigitOf(unit) < 36 || static_cast<wchar_t>(unit) == point ||
-           kSigns.find(unit) != std::u16string_view::npos;
-}
-
-std::size_t LengthOfNumber(const char16_t* text) noexcept {
-    const wchar_t point = DecimalPoint();
-    std::size_t length = 0;
-    while (CanStandInNumber(text[length], point)) {
-        ++length;
-    }
-    return length;
-}
-
-struct FreeBlock {
-    void operator()(wchar_t* block) const noexcept { std::free(block); }
-};
-
 // ---- Writing
 
 template <typename Unit, typename Pattern>
@@ -224,33 +176,6 @@ u32 wcstoul(const char16_t* text, char16_t** end, int radix) noexcept {
 
 i64 wcstoll(const char16_t* text, char16_t** end, int radix) noexcept {
     return Read<i64>(text, end, radix);
-}
-
-double wcstod(const char16_t* text, char16_t** end) noexcept {
-    const char16_t* start = text;
-    while (IsSpace(*start)) {
-        ++start;
-    }
-    const std::size_t length = LengthOfNumber(start);
-    wchar_t inFrame[121];
-    std::unique_ptr<wchar_t, FreeBlock> onHeap;
-    wchar_t* copy = inFrame;
-    if (length >= std::size(inFrame)) {
-        onHeap.reset(static_cast<wchar_t*>(std::calloc(length + 1, sizeof(wchar_t))));
-        copy = onHeap.get();
-    }
-    double value = 0;
-    const char16_t* last = text;
-    if (copy != nullptr) {
-        *std::copy(start, start + length, copy) = 0;
-        wchar_t* stop = copy;
-        value = std::wcstod(copy, &stop);
-        last = stop == copy ? text : start + (stop - copy);
-    }
-    if (end != nullptr) {
-        *end = const_cast<char16_t*>(last);
-    }
-    return value;
 }
 
 char* _ltoa(i32 value, char* buffer, int radix) noexcept {

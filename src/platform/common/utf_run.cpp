@@ -1,4 +1,4 @@
-#include "platform/utf_run.h"
+#include "platform/common/utf_run.h"
 
 #include <algorithm>
 #include <cstring>

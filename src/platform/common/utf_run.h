@@ -1,6 +1,6 @@
-// The start of a text from UTF-8 to UTF-16 or back, at speed. Serves every platform.
-#ifndef QX_PLATFORM_UTF_RUN_H
-#define QX_PLATFORM_UTF_RUN_H
+// The start of a text from UTF-8 to UTF-16 or back, at speed.
+#ifndef QX_PLATFORM_COMMON_UTF_RUN_H
+#define QX_PLATFORM_COMMON_UTF_RUN_H
 
 #include <cstddef>
 
