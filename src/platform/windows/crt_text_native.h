@@ -2,6 +2,8 @@
 #define QX_PLATFORM_WINDOWS_CRT_TEXT_NATIVE_H
 
 #include <cctype>
+#include <cstdarg>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <cwchar>
@@ -94,6 +96,11 @@ inline int iswspace(char16_t unit) noexcept {
 
 inline double wcstod(const char16_t* text, char16_t** end) noexcept {
     return ::wcstod(Native(text), NativeEnd(end));
+}
+
+inline int _vsnwprintf(char16_t* buffer, std::size_t size, const char16_t* format,
+                       std::va_list arguments) noexcept {
+    return ::_vsnwprintf(Native(buffer), size, Native(format), arguments);
 }
 
 }  // namespace platform
