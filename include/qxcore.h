@@ -20,6 +20,7 @@
 #include <qxcore/mutex.h>
 #include <qxcore/registry.h>
 #include <qxcore/result.h>
+#include <qxcore/semaphore.h>
 #include <qxcore/string.h>
 #include <qxcore/thread.h>
 #include <qxcore/transform.h>

@@ -28,11 +28,13 @@ enum NativeError : u32 {
     kErrorMoreData = 234,
     kErrorWaitTimeout = 258,
     kErrorNoMoreItems = 259,
+    kErrorTooManyPosts = 298,
     kErrorBadDatabase = 1009,
     kErrorRegistryIoFailed = 1016,
     kErrorKeyDeleted = 1018,
     kErrorUnknownRevision = 1305,
     kErrorNoSystemResources = 1450,
+    kErrorTimeout = 1460,
     kErrorUuidNoAddress = 1739,
 };
 

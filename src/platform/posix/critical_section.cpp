@@ -1,19 +1,12 @@
 #include "futex.h"
 #include "platform/sync.h"
+#include "processor_pause.h"
 
 namespace platform {
 
 constinit thread_local char t_threadMark = 0;
 
 namespace {
-
-void PauseProcessor() noexcept {
-#if defined(__x86_64__) || defined(__i386__)
-    __builtin_ia32_pause();
-#elif defined(__aarch64__)
-    asm volatile("yield");
-#endif
-}
 
 bool SpinForLock(CRITICAL_SECTION* section) noexcept {
     for (u32 turn = 0; turn < section->m_spinCount; ++turn) {

@@ -5,6 +5,7 @@
 #include "platform/lifetime.h"
 #include "platform/threads.h"
 #include "registry_lifetime.h"
+#include "waiting/wait_queue.h"
 
 namespace platform {
 namespace {
@@ -31,6 +32,7 @@ void AfterForkInParent() {
 // The child's only thread has a new number.
 void AfterForkInChild() {
     t_threadId = 0;
+    ForgetInheritedWaiters();
     AfterForkInParent();
 }
 

@@ -4,6 +4,7 @@
 
 #include <linux/futex.h>
 #include <sys/syscall.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -17,6 +18,15 @@ namespace platform {
 inline void FutexWait(std::atomic<std::uint32_t>* word, std::uint32_t expected) noexcept {
     ErrnoKeeper keepErrno;
     ::syscall(SYS_futex, word, FUTEX_WAIT_PRIVATE, expected, nullptr, nullptr, 0);
+}
+
+// The same up to a time on the monotonic clock; null for no end. False once that time has come.
+inline bool FutexWaitUntil(std::atomic<std::uint32_t>* word, std::uint32_t expected,
+                           const timespec* deadline) noexcept {
+    ErrnoKeeper keepErrno;
+    return ::syscall(SYS_futex, word, FUTEX_WAIT_BITSET_PRIVATE, expected, deadline, nullptr,
+                     FUTEX_BITSET_MATCH_ANY) == 0 ||
+           errno != ETIMEDOUT;
 }
 
 // Wakes up to `count` sleepers. By address only: the word may be gone by then.

@@ -5,9 +5,9 @@
 
 #include <cstdint>
 
-namespace platform {
+#include "handles_native.h"
 
-using HANDLE = void*;
+namespace platform {
 
 extern constinit thread_local std::uint32_t t_threadId
     [[gnu::tls_model("initial-exec"), gnu::visibility("hidden")]];
