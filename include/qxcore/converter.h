@@ -146,7 +146,8 @@ QX_API QXResult QXEncFromW_Flush(QXEncConverter* converter, char** target, char*
  * Converts a whole text from one encoding to another. Any thread may call. No terminator is added.
  *
  * Sizes go up to 0x7FFFFFFF; larger ones give QX_E_FAIL. After a failure, bytes of the target
- * behind the written ones may have changed.
+ * behind the written ones may have changed. Source and target may be one buffer if no part of the
+ * text grows: each piece of 1024 wide units is read before it is written.
  *
  * A target that is too small cannot be continued: *sourceSize may count bytes that did not reach
  * it. Try again with a larger one.

@@ -7,12 +7,16 @@
 #include <cstdio>
 #include <cstring>
 #include <exception>
+#include <functional>
 
 #include "text/icu_status.h"
 
 namespace {
 
 constexpr char kLastResort[] = "ISO-8859-1";
+
+// Bytes up to which the passes are faster than a way that has to be set up.
+constexpr std::ptrdiff_t kShortText = 256;
 
 // Negative until InitConverters has run.
 constinit i32 s_availableConverters = -1;
@@ -82,10 +86,17 @@ UConverter* OpenNamed(const wchar* name) noexcept {
     return OpenLastResort();
 }
 
-// Encodings that carry nothing from one character to the next. What others write, such as SCSU, may
-// depend on the passes that the text comes in.
-bool IsStateless(const UConverter* converter) noexcept {
-    return converter != nullptr && ucnv_getType(converter) <= UCNV_UTF32_LittleEndian;
+// From UTF-8 to an older encoding that carries nothing from one character to the next, ICU has a
+// way without wide text. Others gain nothing, and what some of them write depends on the passes.
+bool HasDirectWay(const UConverter* from, const UConverter* to) noexcept {
+    return from != nullptr && to != nullptr && ucnv_getType(from) == UCNV_UTF8 &&
+           ucnv_getType(to) <= UCNV_LATIN_1;
+}
+
+bool Overlap(const char* first, const char* firstLimit, const char* second,
+             const char* secondLimit) noexcept {
+    const std::less<> isBelow;
+    return isBelow(first, secondLimit) && isBelow(second, firstLimit);
 }
 
 // Bad input stops both converters for the length of a scope.
@@ -194,7 +205,8 @@ QXResult QXEncConverter::FromWide(const wchar** source, const wchar* sourceLimit
 bool QXEncConverter::ConvertDirectly(QXEncConverter& to, const char** source,
                                      const char* sourceLimit, char** target, char* targetLimit,
                                      wchar* pivot, wchar* pivotLimit) noexcept {
-    if (!IsStateless(m_converter) || !IsStateless(to.m_converter)) {
+    if (sourceLimit - *source <= kShortText || !HasDirectWay(m_converter, to.m_converter) ||
+        Overlap(*source, sourceLimit, *target, targetLimit)) {
         return false;
     }
     const StopMeanwhile stop(m_converter, to.m_converter);

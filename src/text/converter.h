@@ -28,9 +28,9 @@ struct QXEncConverter {
                       char* targetLimit, bool flush) noexcept;
 
     // From this encoding to another: all of the source, as ToWide and FromWide would convert it in
-    // passes, but in ICU's fastest way. False if there is bad input, or no room, or if only passes
-    // are sure to give the same: both objects are then fit for a new text, and the cursors stand
-    // where they stood.
+    // passes, but at once. False if there is bad input, or no room, or if only passes are sure to
+    // give the same or as fast: both objects are then fit for a new text, the source is as it was,
+    // and the cursors stand where they stood.
     bool ConvertDirectly(QXEncConverter& to, const char** source, const char* sourceLimit,
                          char** target, char* targetLimit, wchar* pivot,
                          wchar* pivotLimit) noexcept;

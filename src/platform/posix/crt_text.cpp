@@ -29,10 +29,14 @@ int CompareLower(const Unit* first, const Unit* second, std::size_t count) noexc
     return 0;
 }
 
+// What is as it should be is not written to: the text may be constant.
 template <typename Unit, typename Map>
 Unit* MapInPlace(Unit* text, Map map) noexcept {
     for (Unit* unit = text; *unit != 0; ++unit) {
-        *unit = static_cast<Unit>(map(*unit));
+        const auto mapped = static_cast<Unit>(map(*unit));
+        if (mapped != *unit) {
+            *unit = mapped;
+        }
     }
     return text;
 }

@@ -1,5 +1,3 @@
-// A locale that the C library makes for the occasion, in which "I" and "i" are no pair and the
-// decimal point is a comma.
 #include <gtest/gtest.h>
 #include <qxcore/string.h>
 
@@ -12,6 +10,18 @@
 
 namespace {
 
+// Constants are in memory that may not be written to.
+TEST(CaseMapping, DoesNotWriteToTextThatHasNothingToChange) {
+    ASSERT_NE(std::setlocale(LC_ALL, "C.UTF-8"), nullptr);
+    static constexpr char kNarrow[] = "nothing to change in here, for sure, d\u00E9j\u00E0 vu";
+    static constexpr char16_t kWide[] = u"NOTHING TO CHANGE IN HERE, D\u00C9J\u00C0 VU \u65E5";
+    EXPECT_EQ(QXStrToLowerA(const_cast<char*>(kNarrow)), kNarrow);
+    EXPECT_EQ(QXStrToUpperW(const_cast<char16_t*>(kWide)), kWide);
+    EXPECT_EQ(QXStrToLowerW(const_cast<char16_t*>(u"\u00E9")), std::u16string(u"\u00E9"));
+    EXPECT_EQ(QXStrToUpperA(const_cast<char*>("\u00E9")), std::string("\u00E9"));
+}
+
+// A locale that is made for the occasion, in which "I" and "i" are no pair.
 TEST(TurkishLocale, AsciiLettersArePairsAndTheCommaIsTheDecimalPoint) {
     const TemporaryDirectory directory;
     const std::string make =
