@@ -11,8 +11,9 @@
  * is the class id as text.
  *
  * Any thread may call any function here. A first lookup of a class blocks all other lookups until
- * the library is loaded and has answered. The child of a fork may find the cache locked for good if
- * another thread of the parent was at a lookup: it makes objects only if the parent had one thread.
+ * the library is loaded and has answered. A request to cancel the thread waits while a component
+ * runs on behalf of the cache. The child of a fork may find the cache locked for good if another
+ * thread of the parent was at a lookup: it makes objects only if the parent had one thread.
  */
 #ifndef QXCORE_COMPONENT_H
 #define QXCORE_COMPONENT_H
@@ -37,7 +38,8 @@ QX_BEGIN_DECLS
  *         QX_E_NOTREGISTERED if the registry does not name a library, for whatever reason;
  *         the mapped number of the loader if the library does not load (QX_E_FAIL, see
  *         qxcore/module.h) or lacks the export;
- *         what the library, or the cached object, answered if that is negative;
+ *         what the library, or the cached object, answered if that is negative, or QX_E_FAIL if it
+ *         threw an exception;
  *         QX_E_NOTINITIALIZED for a class that is not cached, while this library is being unloaded;
  *         QX_E_OUTOFMEMORY.
  */
@@ -81,9 +83,9 @@ QX_API QXResult QXComClassIDFromProgID(const wchar* programID, GUID* classID);
  * Objects that callers hold go on, but a library whose last opening the cache held may leave the
  * memory.
  *
- * A factory's Release runs here, under the lock of the cache, and must not throw.
+ * A factory's Release runs here, under the lock of the cache.
  *
- * @return QX_S_OK.
+ * @return QX_S_OK; QX_E_FAIL if a Release threw an exception: the cache is empty all the same.
  */
 QX_API QXResult QXComFlushFactoryCache(void);
 

@@ -62,7 +62,8 @@ QX_API QXResult QXMutexTryAcquire(QXHandle mutex);
  * Releases a mutex once; the last release of a thread that took it several times frees it.
  *
  * A plain mutex does not look who calls: a release by a thread that does not hold it is neither
- * refused nor reported, and undoes the holder's work. One that nobody holds stays as it is.
+ * refused nor reported, and undoes the holder's work. One that nobody holds stays as it is on
+ * Linux; the reference platform's lock is spoilt by it.
  *
  * @param mutex  the handle.
  * @return QX_S_OK.

@@ -10,6 +10,7 @@
 /** Success is a result that is not negative: a few functions have a positive success. */
 #define QX_SUCCEEDED(result) ((QXResult)(result) >= 0)
 #define QX_FAILED(result) ((QXResult)(result) < 0)
+#define QXFAILED(result) QX_FAILED(result)
 
 #define QX_S_OK ((QXResult)0)                      /**< success */
 #define QX_E_NOTIMPL ((QXResult)0x80004001)        /**< not offered by this object or platform */

@@ -63,10 +63,7 @@ QXResult QXComCreateObjectByProgID(const wchar* programID, void* outer, const GU
 }
 
 QXResult QXComFlushFactoryCache() {
-    return RunGuarded([] {
-        CQXGlobalData::m_clientData->m_factoryManager.Flush();
-        return QX_S_OK;
-    });
+    return RunGuarded([] { return CQXGlobalData::m_clientData->m_factoryManager.Flush(); });
 }
 
 QXResult IQXUnknown_QueryInterface(void* object, const GUID* interfaceID, void** result) {

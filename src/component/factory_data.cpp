@@ -2,7 +2,10 @@
 
 #include <qxcore/module.h>
 
+#include <utility>
+
 #include "core/entry.h"
+#include "core/entry_guard.h"
 
 CQXFactoryData::CQXFactoryData(IQXUnknown* factory, QXHandle library)
     : m_pFactory(factory), m_hLibrary(library) {
@@ -14,9 +17,15 @@ CQXFactoryData::CQXFactoryData(IQXUnknown* factory, QXHandle library)
 // While this library is being unloaded its token is gone and the close is refused: the factory is
 // released, its library stays.
 CQXFactoryData::~CQXFactoryData() {
-    if (m_pFactory != nullptr) {
-        m_pFactory->Release();
-        m_pFactory = nullptr;
-    }
+    ReleaseFactory();
     QXModuleLibClose(s_moduleToken, m_hLibrary);
+}
+
+QXResult CQXFactoryData::ReleaseFactory() noexcept {
+    return RunGuarded([&] {
+        if (IQXUnknown* const factory = std::exchange(m_pFactory, nullptr)) {
+            factory->Release();
+        }
+        return QX_S_OK;
+    });
 }

@@ -13,6 +13,9 @@ class CQXFactoryData : public CQXCoreRefCounted {
     CQXFactoryData(IQXUnknown* factory, QXHandle library);
     ~CQXFactoryData() override;
 
+    // The destructor's first step. QX_E_FAIL if the factory throws: it counts as released then.
+    QXResult ReleaseFactory() noexcept;
+
     // What the library returned: the interface that the first caller asked for.
     IQXUnknown* m_pFactory;
     QXHandle m_hLibrary;

@@ -10,6 +10,7 @@
 
 #include "core/entry.h"
 #include "core/exception.h"
+#include "platform/cancellation.h"
 #include "sync/mutex_holder.h"
 
 namespace {
@@ -20,7 +21,7 @@ constexpr std::size_t kKeyUnits = 256;
 // An interface that is released unless it is passed on.
 class OwnedInterface {
   public:
-    OwnedInterface() = default;
+    explicit OwnedInterface(void* object) : m_object(object) {}
     ~OwnedInterface() {
         if (m_object != nullptr) {
             Get()->Release();
@@ -29,12 +30,11 @@ class OwnedInterface {
     OwnedInterface(const OwnedInterface&) = delete;
     OwnedInterface& operator=(const OwnedInterface&) = delete;
 
-    void** Out() { return &m_object; }
     IQXUnknown* Get() const { return static_cast<IQXUnknown*>(m_object); }
     void* PassOn() { return std::exchange(m_object, nullptr); }
 
   private:
-    void* m_object = nullptr;
+    void* m_object;
 };
 
 // The path of the library that the registry names for a class. Whatever fails on the way: the class
@@ -67,21 +67,25 @@ QXHandle OpenLibrary(const GUID* classID) {
     return library;
 }
 
-// A failure leaves the library open and no interface, whatever the library stored.
-void AskLibrary(QXHandle library, const GUID* classID, const GUID* interfaceID, void** result) {
+// A failure leaves the library open, and what the library stored is not looked at.
+void* AskLibrary(QXHandle library, const GUID* classID, const GUID* interfaceID) {
     void* symbol = nullptr;
     ThrowIfFailed(QXLibGetSymbol(library, u"DllGetClassObject", &symbol));
     const auto getClassObject = reinterpret_cast<QXGetClassObjectFunction>(symbol);
-    const QXResult answer = getClassObject(classID, interfaceID, result);
-    if (QX_FAILED(answer)) {
-        *result = nullptr;
-        throw EQXCoreException(answer);
-    }
+    void* factory = nullptr;
+    ThrowIfFailed(getClassObject(classID, interfaceID, &factory));
+    return factory;
+}
+
+// Nobody else can take a reference: the cache has let go of the record under its lock.
+QXResult Drop(CQXRefPtr<CQXFactoryData> record) {
+    return record && record->m_refCount == 1 ? record->ReleaseFactory() : QX_S_OK;
 }
 
 }  // namespace
 
 void* CQXFactoryManager::GetClassObject(const GUID* classID, const GUID* interfaceID) {
+    const platform::CancellationOff foreignCodeRuns;
     ClassKey key;
     std::memcpy(key.data(), classID, key.size());
     MutexHolder hold(m_mapMutex);
@@ -102,26 +106,31 @@ CQXRefPtr<CQXFactoryData> CQXFactoryManager::FindCached(const ClassKey& key) con
 void* CQXFactoryManager::LoadClassObject(const ClassKey& key, const GUID* classID,
                                          const GUID* interfaceID) {
     const QXHandle library = OpenLibrary(classID);
-    // The record closes the library, so it must outlive the interface.
-    CQXRefPtr<CQXFactoryData> record;
-    OwnedInterface factory;
-    AskLibrary(library, classID, interfaceID, factory.Out());
-    record = CQXRefPtr<CQXFactoryData>(new CQXFactoryData(factory.Get(), library));
-    m_factoryMap[key] = record;
+    OwnedInterface factory(AskLibrary(library, classID, interfaceID));
+    // The entry comes first, and may stay without a record: a record closes the library, which must
+    // not happen before the interface is released.
+    CQXRefPtr<CQXFactoryData>& entry = m_factoryMap[key];
+    entry = CQXRefPtr<CQXFactoryData>(new CQXFactoryData(factory.Get(), library));
     return factory.PassOn();
 }
 
 // The entries are taken out first: a factory that comes back here while it is released finds the
 // cache whole.
-void CQXFactoryManager::Flush() {
+QXResult CQXFactoryManager::Flush() {
+    const platform::CancellationOff foreignCodeRuns;
     MutexHolder hold(m_mapMutex);
     FactoryMap entries;
     entries.swap(m_factoryMap);
-    entries.clear();
+    QXResult overall = QX_S_OK;
+    for (auto& [key, record] : entries) {
+        const QXResult result = Drop(std::move(record));
+        overall = QX_FAILED(result) ? result : overall;
+    }
+    return overall;
 }
 
 void CQXFactoryManager::TryFlush() {
-    if (QX_SUCCEEDED(QXMutexTryAcquire(m_mapMutex))) {
+    if (m_mapMutex != QX_INVALID_HANDLE && QX_SUCCEEDED(QXMutexTryAcquire(m_mapMutex))) {
         Flush();
         QXMutexRelease(m_mapMutex);
     }

@@ -18,8 +18,9 @@ class CQXFactoryManager {
     // The interface with one reference for the caller. Throws the code of any failure.
     void* GetClassObject(const GUID* classID, const GUID* interfaceID);
 
-    // Releases all factories and closes their libraries.
-    void Flush();
+    // Releases all factories and closes their libraries, whatever any of them throws. QX_E_FAIL if
+    // one did.
+    QXResult Flush();
 
     // The same, unless another thread is at work here.
     void TryFlush();

@@ -20,6 +20,18 @@ void CQXModuleManager::Unmark(QXModuleToken token) {
     m_moduleSet.erase(KeyOf(token));
 }
 
+void CQXModuleManager::EnterForFork() {
+    if (m_setLock != QX_INVALID_HANDLE) {
+        QXMutexAcquire(m_setLock);
+    }
+}
+
+void CQXModuleManager::LeaveAfterFork() {
+    if (m_setLock != QX_INVALID_HANDLE) {
+        QXMutexRelease(m_setLock);
+    }
+}
+
 bool CQXModuleManager::IsMarked(QXModuleToken token) {
     MutexHolder hold(m_setLock);
     return m_moduleSet.contains(KeyOf(token));

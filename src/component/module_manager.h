@@ -20,8 +20,8 @@ class CQXModuleManager {
     bool IsMarked(QXModuleToken token);
 
     // Keep other threads out while the process forks.
-    void EnterForFork() { QXMutexAcquire(m_setLock); }
-    void LeaveAfterFork() { QXMutexRelease(m_setLock); }
+    void EnterForFork();
+    void LeaveAfterFork();
 
   private:
     // Behind what it guards, so that it is destroyed first.

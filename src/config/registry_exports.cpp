@@ -19,9 +19,9 @@ u32 OpenKey(const RegistryRoot& root, const wchar* path, u32 access, platform::H
     return platform::RegOpenKeyExW(root.m_key, path, 0, root.m_view | access, key);
 }
 
-// A new key may be used by everybody.
-struct OpenToAll {
-    OpenToAll() {
+// Names no list of who may use a new key, so the system gives it a default one.
+struct DefaultSecurity {
+    DefaultSecurity() {
         platform::InitializeSecurityDescriptor(&m_descriptor,
                                                platform::kSecurityDescriptorRevision);
         platform::SetSecurityDescriptorDacl(&m_descriptor, false, nullptr, false);
@@ -35,7 +35,7 @@ struct OpenToAll {
 };
 
 u32 CreateKey(const RegistryRoot& root, const wchar* path, platform::HKEY* key) {
-    const OpenToAll security;
+    const DefaultSecurity security;
     u32 disposition = 0;
     return platform::RegCreateKeyExW(
         root.m_key, path, 0, nullptr, 0, root.m_view | platform::kKeyAllAccess,

@@ -14,7 +14,7 @@ void* const s_moduleToken = reinterpret_cast<void*>(&DllMain);
 namespace {
 
 // Kept for debuggers; no code reads it.
-[[maybe_unused]] constinit platform::ModuleHandle s_hInstance = nullptr;
+[[gnu::used]] constinit platform::ModuleHandle s_hInstance = nullptr;
 
 // A fork waits until no thread is at the marks: the child would find their lock held by a thread
 // that it does not have, and could not even be unloaded.
@@ -25,16 +25,25 @@ void LeaveMarks() {
     CQXGlobalData::m_moduleManager->LeaveAfterFork();
 }
 
+// After an initialisation that failed, which nobody is told of, there may be no module manager.
+void SetOwnMark(int16_t initialized) {
+    if (CQXGlobalData::m_moduleManager != nullptr) {
+        QXModuleSetInitialized(s_moduleToken, initialized);
+    }
+}
+
 void Attach(platform::ModuleHandle instance) {
     s_hInstance = instance;
     QXCoreInit();
-    QXModuleSetInitialized(s_moduleToken, 1);
-    platform::SetForkGuards(EnterMarks, LeaveMarks);
+    SetOwnMark(1);
+    if (CQXGlobalData::m_moduleManager != nullptr) {
+        platform::SetForkGuards(EnterMarks, LeaveMarks);
+    }
 }
 
 // The token goes first, so that no component library is unloaded from here on.
 void Detach(const void* reserved) {
-    QXModuleSetInitialized(s_moduleToken, 0);
+    SetOwnMark(0);
     if (platform::OtherThreadsMayRun(reserved)) {
         // They may hold or wait for anything, so all stays where it is but the factories, which
         // are told of the end if they can be reached without waiting.

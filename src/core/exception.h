@@ -5,6 +5,7 @@
 #include <qxcore/result.h>
 
 #include "platform/errors.h"
+#include "platform/types.h"
 
 // Thrown by value, caught by reference; deliberately no std::exception.
 class EQXCoreException {
@@ -23,7 +24,9 @@ inline void ThrowIfFailed(QXResult result) {
 
 // Throws the calling thread's last error. To be called in the line behind the failing operation.
 [[noreturn]] inline void ThrowLastError() {
-    throw EQXCoreException(QXResultFromNative(platform::GetLastError()));
+    // Before the exception's memory is taken, which may leave a number of its own.
+    const u32 error = platform::GetLastError();
+    throw EQXCoreException(QXResultFromNative(error));
 }
 
 #endif

@@ -17,7 +17,7 @@ enum EntryReason : u32 {
 // that nothing they may hold or wait for can be freed. That is so at the end of a process in which
 // other threads are alive, and on back ends whose system does not stop them first.
 // `reserved` is the entry function's last argument: null when the library is unloaded in a process
-// that goes on.
+// that goes on, and, where the back end looked, at the end of a process that has no other thread.
 bool OtherThreadsMayRun(const void* reserved) noexcept;
 
 // Has `before` called ahead of each fork of the process, in the thread that forks, and `after`

@@ -176,6 +176,22 @@ TEST_F(Component, NullFactoryIsCachedAndLetGo) {
     EXPECT_EQ("loaded asked unloaded ", m_classes.TakeLog());
 }
 
+TEST_F(Component, ExceptionOfAComponentIsAResult) {
+    for (const WitnessBehaviour behaviour : {kPlain, kThrows, kThrowsOnRelease}) {
+        m_classes.Register(behaviour, m_classes.WitnessPath());
+    }
+    void* factory = &factory;
+    EXPECT_EQ(QX_E_FAIL, Lookup(kThrows, &factory));
+    EXPECT_EQ(nullptr, factory);
+    EXPECT_EQ(QX_S_OK, Touch(kThrowsOnRelease));
+    EXPECT_EQ(QX_S_OK, Touch(kPlain));
+    m_classes.TakeLog();
+    EXPECT_EQ(QX_E_FAIL, QXComFlushFactoryCache());
+    EXPECT_EQ("released released ", m_classes.TakeLog());
+    EXPECT_EQ(QX_S_OK, QXComFlushFactoryCache());
+    EXPECT_EQ(QX_S_OK, Touch(kThrowsOnRelease));
+}
+
 TEST_F(Component, ThreadsThatAskAtOnceLoadTheLibraryOnce) {
     m_classes.Register(kSlow, m_classes.WitnessPath());
     constexpr int kThreads = 4;

@@ -35,6 +35,7 @@ void Write(const char* word) {
 
 class Witness final : public IQXClassFactory {
   public:
+    explicit Witness(bool throwsOnRelease = false) : m_throwsOnRelease(throwsOnRelease) {}
     virtual ~Witness() = default;
 
     QXResult QueryInterface(const GUID* wanted, void** result) override {
@@ -54,7 +55,11 @@ class Witness final : public IQXClassFactory {
         const uint32_t left = --m_references;
         if (left == 0) {
             Write("released");
+            const bool throws = m_throwsOnRelease;
             delete this;
+            if (throws) {
+                throw 1;
+            }
         }
         return left;
     }
@@ -66,6 +71,7 @@ class Witness final : public IQXClassFactory {
     }
 
   private:
+    const bool m_throwsOnRelease;
     std::atomic<uint32_t> m_references{1};
 };
 
@@ -89,6 +95,9 @@ extern "C" __attribute__((visibility("default"))) QXResult DllGetClassObject(con
         case kRefuses:
             *result = result;
             return kWitnessRefusal;
+        case kThrows:
+            *result = result;
+            throw 1;
         case kNullFactory:
             *result = nullptr;
             return QX_S_OK;
@@ -101,6 +110,6 @@ extern "C" __attribute__((visibility("default"))) QXResult DllGetClassObject(con
             }
             break;
     }
-    *result = new Witness;
+    *result = new Witness(classID->Data2 == kThrowsOnRelease);
     return classID->Data2 == kPositiveResult ? 7 : 0;
 }

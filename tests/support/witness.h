@@ -13,6 +13,8 @@ enum WitnessBehaviour : uint16_t {
     kComesBack,       // looks the plain class up before it answers
     kNullFactory,     // answers 0 with a null factory
     kSlow,            // yields for a while before it answers
+    kThrows,          // throws, with something in the result
+    kThrowsOnRelease  // answers with a factory that throws when it is released for good
 };
 
 constexpr GUID WitnessClass(WitnessBehaviour behaviour) {

@@ -6,8 +6,6 @@
 
 namespace platform {
 
-// Cancellation unwinds the thread's stack, which an operation that does not throw cannot let pass.
-// It is delayed until the operation is over.
 class CancellationOff {
   public:
     CancellationOff() noexcept { ::pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &m_before); }

@@ -10,6 +10,10 @@ namespace platform {
 using ModuleHandle = void*;
 using EntryWord = std::uint32_t;
 
+inline bool OtherThreadsMayRun(const void* reserved) noexcept {
+    return reserved != nullptr;
+}
+
 }  // namespace platform
 
 #endif

@@ -56,18 +56,14 @@ bool OneThreadIsLeft() noexcept {
     DllMain(&__dso_handle, kProcessAttach, nullptr);
 }
 
+// The threads are counted once: what is left standing for them is left standing everywhere.
 [[gnu::destructor]] void OnUnload() {
-    void* const reserved = s_processEnds ? &__dso_handle : nullptr;
-    DllMain(&__dso_handle, kProcessDetach, reserved);
-    if (!OtherThreadsMayRun(reserved)) {
+    const bool othersMayRun = s_processEnds && !__libc_single_threaded && !OneThreadIsLeft();
+    DllMain(&__dso_handle, kProcessDetach, othersMayRun ? &__dso_handle : nullptr);
+    if (!othersMayRun) {
         CloseRegistryStores();
     }
 }
 
 }  // namespace
-
-bool OtherThreadsMayRun(const void* reserved) noexcept {
-    return reserved != nullptr && !__libc_single_threaded && !OneThreadIsLeft();
-}
-
 }  // namespace platform

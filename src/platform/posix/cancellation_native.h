@@ -1,0 +1,1 @@
+#include "cancellation.h"
