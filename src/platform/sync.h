@@ -30,6 +30,11 @@ bool TryEnterCriticalSection(CRITICAL_SECTION* section) noexcept;
 // Does not block. The section's memory is not touched once another thread can have entered.
 void LeaveCriticalSection(CRITICAL_SECTION* section) noexcept;
 
+// How many calls of Enter had to block since the start or the last reset. Wraps. Any thread may ask
+// and reset at any time; 0 where the system keeps no such count.
+u32 ContentionCount(const CRITICAL_SECTION* section) noexcept;
+void ResetContentionCount(CRITICAL_SECTION* section) noexcept;
+
 }  // namespace platform
 
 #endif

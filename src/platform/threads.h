@@ -12,6 +12,10 @@ namespace platform {
 // the thread's first.
 u32 GetCurrentThreadId() noexcept;
 
+// The same, but 0 for a thread that has not asked for its number yet: never a call of any kind, for
+// code that has to do without.
+u32 GetKnownThreadId() noexcept;
+
 // A pseudo handle that stands for whichever thread uses it.
 HANDLE GetCurrentThread() noexcept;
 

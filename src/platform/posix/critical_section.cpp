@@ -22,8 +22,8 @@ bool SpinForLock(CRITICAL_SECTION* section) noexcept {
 }  // namespace
 
 [[gnu::cold]] void EnterContendedCriticalSection(CRITICAL_SECTION* section) noexcept {
-    section->m_contentionCount.fetch_add(1, std::memory_order_relaxed);
     if (!SpinForLock(section)) {
+        section->m_contentionCount.fetch_add(1, std::memory_order_relaxed);
         // Whoever has slept takes the lock as 2: it cannot know whether it slept alone.
         while (section->m_state.exchange(2, std::memory_order_acquire) != 0) {
             FutexWait(&section->m_state, 2);

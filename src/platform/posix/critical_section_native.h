@@ -33,7 +33,7 @@ struct CRITICAL_SECTION {
     std::atomic<std::uint32_t> m_recursion{0};  // holds beyond the first
     std::atomic<const char*> m_owner{nullptr};
     std::uint32_t m_spinCount = 0;
-    std::atomic<std::uint32_t> m_contentionCount{0};  // times that an Enter had to wait
+    std::atomic<std::uint32_t> m_contentionCount{0};  // times that an Enter had to block
 };
 
 void EnterContendedCriticalSection(CRITICAL_SECTION* section) noexcept;
@@ -117,6 +117,14 @@ inline void InitializeCriticalSection(CRITICAL_SECTION* section) noexcept {
 }
 
 inline void DeleteCriticalSection(CRITICAL_SECTION*) noexcept {}
+
+inline std::uint32_t ContentionCount(const CRITICAL_SECTION* section) noexcept {
+    return section->m_contentionCount.load(std::memory_order_relaxed);
+}
+
+inline void ResetContentionCount(CRITICAL_SECTION* section) noexcept {
+    section->m_contentionCount.store(0, std::memory_order_relaxed);
+}
 
 }  // namespace platform
 

@@ -3,27 +3,17 @@
 #include <dlfcn.h>
 #include <link.h>
 
-#include <algorithm>
 #include <cstring>
 #include <new>
 #include <string>
 #include <string_view>
 
 #include "cancellation.h"
+#include "narrow_path.h"
 #include "platform/errors.h"
-#include "platform/multibyte.h"
 
 namespace platform {
 namespace {
-
-// Empty for text that no file name can have.
-std::string NarrowPath(const char16_t* path) {
-    const std::size_t length = wcstombs(nullptr, path, 0);
-    std::string narrow(length != SIZE_MAX ? length : 0, '\0');
-    wcstombs(narrow.data(), path, narrow.size());
-    std::replace(narrow.begin(), narrow.end(), '\\', '/');
-    return narrow;
-}
 
 // The loader tells its reason in words only. They are translated, but as strerror's are.
 u32 NativeErrorFromLoaderMessage(const char* message) noexcept {

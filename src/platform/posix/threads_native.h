@@ -20,6 +20,10 @@ inline std::uint32_t GetCurrentThreadId() noexcept {
     return known != 0 ? known : LearnThreadId();
 }
 
+inline std::uint32_t GetKnownThreadId() noexcept {
+    return t_threadId;
+}
+
 inline HANDLE GetCurrentThread() noexcept {
     return reinterpret_cast<HANDLE>(static_cast<std::intptr_t>(-2));
 }

@@ -9,6 +9,10 @@ inline u32 GetCurrentThreadId() noexcept {
     return ::GetCurrentThreadId();
 }
 
+inline u32 GetKnownThreadId() noexcept {
+    return ::GetCurrentThreadId();
+}
+
 inline HANDLE GetCurrentThread() noexcept {
     return ::GetCurrentThread();
 }
