@@ -23,6 +23,7 @@
 #include <qxcore/semaphore.h>
 #include <qxcore/string.h>
 #include <qxcore/thread.h>
+#include <qxcore/time.h>
 #include <qxcore/transform.h>
 #include <qxcore/unknown.h>
 

@@ -2,6 +2,7 @@
 
 #include <pthread.h>
 
+#include "calendar_lifetime.h"
 #include "platform/lifetime.h"
 #include "platform/threads.h"
 #include "registry_lifetime.h"
@@ -22,9 +23,11 @@ void Call(ForkGuard guard) {
 void BeforeFork() {
     Call(s_beforeFork);
     CloseRegistryStoresForFork();
+    HoldCalendarForFork();
 }
 
 void AfterForkInParent() {
+    FreeCalendarAfterFork();
     FreeRegistryStoresAfterFork();
     Call(s_afterFork);
 }

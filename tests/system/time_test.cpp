@@ -1,0 +1,127 @@
+#include <gtest/gtest.h>
+#include <qxcore/time.h>
+
+#include <chrono>
+#include <climits>
+#include <cstring>
+#include <limits>
+#include <tuple>
+
+namespace {
+
+auto Fields(const QXTimeRecord& record) {
+    return std::tuple(record.year, record.month, record.dayOfWeek, record.day, record.hour,
+                      record.minute, record.second);
+}
+
+int64_t SystemClockNanoseconds() {
+    using namespace std::chrono;
+    return duration_cast<nanoseconds>(system_clock::now().time_since_epoch()).count();
+}
+
+// The difference allows for a source that goes in steps.
+TEST(Time, AllFormsOfTheWallClockAgree) {
+    constexpr int64_t kSlack = 20'000'000;
+    const int64_t before = SystemClockNanoseconds() - kSlack;
+    uint64_t timestamp = 0;
+    QXTimeSpec spec = {};
+    QXTimeRecord universal = {};
+    EXPECT_EQ(QX_S_OK, QXTimeGetPreciseTimestamp(&timestamp));
+    EXPECT_EQ(QX_S_OK, QXTimeGetTimeOfDay(&spec));
+    EXPECT_EQ(QX_S_OK, QXTimeGetSystem(&universal));
+    const int64_t after = SystemClockNanoseconds() + kSlack;
+    const std::chrono::sys_days date{std::chrono::year(universal.year) / universal.month /
+                                     universal.day};
+    const int64_t milliseconds =
+        std::chrono::milliseconds(date.time_since_epoch()).count() +
+        ((universal.hour * 60 + universal.minute) * 60 + universal.second) * 1000 +
+        universal.milliseconds;
+    EXPECT_EQ(std::chrono::weekday(date).c_encoding(), universal.dayOfWeek);
+    EXPECT_LT(spec.nanoseconds, 1'000'000'000);
+    for (const int64_t moment :
+         {static_cast<int64_t>(timestamp), spec.seconds * 1'000'000'000 + spec.nanoseconds,
+          milliseconds * 1'000'000}) {
+        EXPECT_LE(before, moment);
+        EXPECT_GE(after, moment);
+    }
+    EXPECT_EQ(0u, timestamp % 100);
+}
+
+TEST(Time, LocalTimeGoesToPosixTimeAndBack) {
+    QXTimeRecord local = {};
+    QXTimeRecord back = {};
+    int64_t seconds = 0;
+    EXPECT_EQ(QX_S_OK, QXTimeGetLocal(&local));
+    EXPECT_EQ(QX_S_OK, QXTimeToPosix(&local, &seconds));
+    EXPECT_NEAR(static_cast<double>(SystemClockNanoseconds() / 1'000'000'000),
+                static_cast<double>(seconds), 2);
+    EXPECT_EQ(QX_S_OK, QXTimeFromPosix(seconds, &back));
+    EXPECT_EQ(Fields(local), Fields(back));
+    EXPECT_EQ(0, back.milliseconds);
+}
+
+TEST(Time, PosixTimeOutOfRangeIsRefused) {
+    const QXTimeRecord zero = {};
+    for (const int64_t seconds : {int64_t{-1}, int64_t{32'535'244'800}, INT64_MIN, INT64_MAX}) {
+        QXTimeRecord record;
+        std::memset(&record, 0x55, sizeof record);
+        EXPECT_EQ(QX_E_FAIL, QXTimeFromPosix(seconds, &record));
+        EXPECT_EQ(0, std::memcmp(&zero, &record, sizeof record));
+    }
+    QXTimeRecord last = {};
+    EXPECT_EQ(QX_S_OK, QXTimeFromPosix(32'535'215'999 - 86'400, &last));
+    EXPECT_EQ(3000, last.year);
+    for (const QXTimeRecord& record : {QXTimeRecord{}, QXTimeRecord{1969, 6, 0, 1, 0, 0, 0, 0},
+                                       QXTimeRecord{3002, 1, 0, 1, 0, 0, 0, 0}}) {
+        int64_t seconds = 0;
+        EXPECT_EQ(QX_E_FAIL, QXTimeToPosix(&record, &seconds));
+        EXPECT_EQ(-1, seconds);
+    }
+}
+
+TEST(Time, TheCLibrarysFormIsCopiedFieldByField) {
+    std::tm time = {};
+    time.tm_sec = 1;
+    time.tm_min = 2;
+    time.tm_hour = 3;
+    time.tm_mday = 4;
+    time.tm_mon = 0;
+    time.tm_year = 126;
+    time.tm_wday = 5;
+    QXTimeRecord record = {0, 0, 0, 0, 0, 0, 0, 77};
+    EXPECT_EQ(QX_S_OK, QXTimeFromTM(&time, &record));
+    EXPECT_EQ(std::tuple(2026, 1, 5, 4, 3, 2, 1), Fields(record));
+    EXPECT_EQ(0, record.milliseconds);
+
+    std::tm back;
+    std::memset(&back, 0x55, sizeof back);
+    EXPECT_EQ(QX_S_OK, QXTimeToTM(&record, &back));
+    QXTimeZoneRecord zone;
+    EXPECT_EQ(QX_S_OK, QXTimeGetZone(&zone));
+    EXPECT_EQ(std::tuple(1, 2, 3, 4, 0, 126, 5, int{zone.isDaylight}),
+              std::tuple(back.tm_sec, back.tm_min, back.tm_hour, back.tm_mday, back.tm_mon,
+                         back.tm_year, back.tm_wday, back.tm_isdst));
+    EXPECT_EQ(0x55555555, back.tm_yday);
+
+    time.tm_mon = std::numeric_limits<int>::max();
+    time.tm_year = 0x10000 - 1900;
+    EXPECT_EQ(QX_S_OK, QXTimeFromTM(&time, &record));
+    EXPECT_EQ(0, record.month);
+    EXPECT_EQ(0, record.year);
+}
+
+TEST(Time, CountersGoForward) {
+    const int64_t frequency = QXPerfGetFreq();
+    EXPECT_GE(frequency, 1000);
+    const int64_t start = QXPerfGetCount();
+    const uint32_t startMs = QXPerfGetCountMS();
+    int64_t previous = start;
+    while (QXPerfGetCountMS() - startMs < 40) {
+        const int64_t count = QXPerfGetCount();
+        ASSERT_GE(count, previous);
+        previous = count;
+    }
+    EXPECT_GE(previous - start, frequency / 1000 * 20);
+}
+
+}  // namespace
