@@ -75,7 +75,7 @@ struct Seasons {
 
 // A moment within the next year at which the other season is in force.
 bool FindOtherSeason(const Zone& zone, i64 now, bool isDaylight, std::tm* found) noexcept {
-    constexpr i64 kStep = 14 * 24 * 3600;
+    constexpr i64 kStep = i64{14} * 24 * 3600;
     for (int step = 1; step <= 27; ++step) {
         if (zone.ToLocal(now + step * kStep, found) && (found->tm_isdst > 0) != isDaylight) {
             return true;
