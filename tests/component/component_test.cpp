@@ -3,14 +3,13 @@
 
 #include <algorithm>
 #include <atomic>
-#include <cstdlib>
 #include <fstream>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "support/allocation_fault.h"
-#include "support/child_process.h"
+#include "support/child_role.h"
 #include "support/registered_classes.h"
 #include "support/witness.h"
 
@@ -93,7 +92,7 @@ TEST_F(Component, FailedLookupsLeaveNullAndAnUntouchedObjectPointer) {
         {"a path that does not fit", std::u16string(261, u'x'), QX_E_NOTREGISTERED},
     };
     std::ofstream(std::filesystem::path(folder) / "text.so") << "this is not a library";
-    setenv("QXCORE_LONG_VALUE", std::string(300, 'x').c_str(), 1);
+    SetEnvironment("QXCORE_LONG_VALUE", std::string(300, 'x'));
     for (const Row& row : rows) {
         m_classes.Register(kPlain, row.library, QX_REG_EXPAND_STRING);
         void* factory = &factory;
@@ -114,7 +113,7 @@ TEST_F(Component, FailedLookupsLeaveNullAndAnUntouchedObjectPointer) {
 }
 
 TEST_F(Component, PathMayLackItsTerminatorAndReferToTheEnvironment) {
-    setenv("QXCORE_WITNESS_PATH", std::filesystem::path(m_classes.WitnessPath()).c_str(), 1);
+    SetEnvironment("QXCORE_WITNESS_PATH", std::filesystem::path(m_classes.WitnessPath()).string());
     m_classes.Register(kPlain, u"%QXCORE_WITNESS_PATH%", QX_REG_EXPAND_STRING);
     EXPECT_EQ(QX_S_OK, Touch(kPlain));
     m_classes.Register(kPositiveResult, m_classes.WitnessPath(), QX_REG_STRING, false);
@@ -210,27 +209,30 @@ TEST_F(Component, ThreadsThatAskAtOnceLoadTheLibraryOnce) {
     EXPECT_EQ("loaded asked ", m_classes.TakeLog());
 }
 
+enum Outcome { kSucceeds, kFails, kGoesWrong };
+
+CHILD_ROLE(LookUpWithFault) {
+    const GUID classID = WitnessClass(kPlain);
+    void* factory = &factory;
+    FailAllocation(std::stoi(arguments[0]));
+    const QXResult result = QXComGetClassObject(&classID, &QX_IID_CLASS_FACTORY, &factory);
+    const bool struck = AllocationHasFailed();
+    FailAllocation(0);
+    if (QX_SUCCEEDED(result)) {
+        return struck ? kGoesWrong : kSucceeds;
+    }
+    const bool told = result == QX_E_OUTOFMEMORY || result == QX_E_NOTREGISTERED;
+    return struck && told && factory == nullptr ? kFails : kGoesWrong;
+}
+
 // Each allocation fails in a child of its own, so that the library is loaded there for the first
 // time and closed again by the failure.
 TEST_F(Component, AllocationFailureIsAResultAndLeavesNull) {
     m_classes.Register(kPlain, m_classes.WitnessPath());
-    enum Outcome { kSucceeds, kFails, kGoesWrong };
-    const auto lookUp = [&](int failing) {
-        void* factory = &factory;
-        FailAllocation(failing);
-        const QXResult result = Lookup(kPlain, &factory);
-        const bool struck = AllocationHasFailed();
-        FailAllocation(0);
-        if (QX_SUCCEEDED(result)) {
-            return struck ? kGoesWrong : kSucceeds;
-        }
-        const bool told = result == QX_E_OUTOFMEMORY || result == QX_E_NOTREGISTERED;
-        return struck && told && factory == nullptr ? kFails : kGoesWrong;
-    };
     int failing = 1;
     int outcome = kFails;
     while (outcome == kFails) {
-        outcome = ChildProcess([&] { return lookUp(failing); }).Wait();
+        outcome = ChildProcess("LookUpWithFault", {std::to_string(failing)}).Wait();
         ++failing;
     }
     EXPECT_EQ(kSucceeds, outcome) << failing;

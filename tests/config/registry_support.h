@@ -9,15 +9,13 @@
 #include <string>
 #include <vector>
 
-#include "support/temporary_directory.h"
+#include "support/system.h"
 
 class Registry : public testing::Test {
   protected:
-    void SetUp() override { ::setenv("W64QXCORE6_REGISTRY", m_directory.Path().c_str(), 1); }
+    std::filesystem::path File(const char* name) const { return m_registry.Folder() / name; }
 
-    std::filesystem::path File(const char* name) const { return m_directory.Path() / name; }
-
-    TemporaryDirectory m_directory;
+    OwnRegistry m_registry;
 };
 
 inline QXResult SetText(const char16_t* path, const char16_t* name, const std::u16string& text,

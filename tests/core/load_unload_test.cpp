@@ -1,66 +1,37 @@
 // The library is opened and closed here: this program is not linked to it.
-#include <dlfcn.h>
 #include <gtest/gtest.h>
-#include <malloc.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <qxcore.h>
 
 #include <atomic>
-#include <cstdlib>
 #include <fstream>
-#include <functional>
-#include <iterator>
+#include <string>
 #include <thread>
 
-#include "support/temporary_directory.h"
+#include "support/child_role.h"
 #include "support/witness.h"
 
 namespace {
 
+std::filesystem::path LibraryPath() {
+    return ModulePath(QXCORE_LIBRARY);
+}
+
 // The library by its file. Functions of it are called through this.
 class LoadedLibrary {
   public:
-    LoadedLibrary() : m_library(dlopen(QXCORE_LIBRARY, RTLD_NOW)) {
-        if (m_library == nullptr) {
-            std::fprintf(stderr, "%s\n", dlerror());
-            std::abort();
-        }
-    }
-    void Close() { EXPECT_EQ(0, dlclose(m_library)); }
+    void Close() { EXPECT_TRUE(m_module.Close()); }
 
     template <typename... Arguments>
     QXResult Call(const char* name, Arguments... arguments) const {
-        return reinterpret_cast<QXResult (*)(Arguments...)>(dlsym(m_library, name))(arguments...);
+        return reinterpret_cast<QXResult (*)(Arguments...)>(m_module.Symbol(name))(arguments...);
     }
 
   private:
-    void* m_library;
+    LoadedModule m_module{LibraryPath()};
 };
-
-struct Footprint {
-    size_t descriptors;
-    size_t mappings;
-    size_t heap;
-};
-
-Footprint Measure() {
-    Footprint now = {};
-    for ([[maybe_unused]] const auto& entry :
-         std::filesystem::directory_iterator("/proc/self/fd")) {
-        ++now.descriptors;
-    }
-    std::ifstream maps("/proc/self/maps");
-    for (std::string line; std::getline(maps, line);) {
-        ++now.mappings;
-    }
-    now.heap = mallinfo2().uordblks;
-    return now;
-}
 
 bool IsLoaded() {
-    return dlopen(QXCORE_LIBRARY, RTLD_NOW | RTLD_NOLOAD) != nullptr;
+    return LoadedModule::IsLoaded(LibraryPath());
 }
 
 QXResult SetNumber(const LoadedLibrary& library, const char16_t* name) {
@@ -81,8 +52,7 @@ void UseEverything(const LoadedLibrary& library) {
 }
 
 TEST(LoadUnload, LeavesNothingBehindInAThousandRounds) {
-    const TemporaryDirectory directory;
-    setenv("W64QXCORE6_REGISTRY", directory.Path().c_str(), 1);
+    const OwnRegistry registry;
     Footprint settled = {};
     for (int round = 0; round < 1000; ++round) {
         LoadedLibrary library;
@@ -92,39 +62,16 @@ TEST(LoadUnload, LeavesNothingBehindInAThousandRounds) {
         library.Close();
         ASSERT_FALSE(IsLoaded());
         if (round == 100) {
-            settled = Measure();
+            settled = MeasureFootprint();
         }
     }
-    const Footprint end = Measure();
-    EXPECT_EQ(settled.descriptors, end.descriptors);
+    const Footprint end = MeasureFootprint();
+    EXPECT_EQ(settled.handles, end.handles);
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)  // these map and keep their own
     EXPECT_LE(end.mappings, settled.mappings + 1);
     // The heap counts what it keeps for reuse as used.
     EXPECT_LE(end.heap, settled.heap + 32 * 1024);
 #endif
-}
-
-// Runs the body in a child and gives the words of the witness's log, with "status N" in front if
-// the child did not end well.
-std::string LogOfChild(const std::function<void(LoadedLibrary&)>& body) {
-    const TemporaryDirectory directory;
-    const std::string log = directory.Path() / "log";
-    const pid_t child = fork();
-    if (child == 0) {
-        setenv("W64QXCORE6_REGISTRY", directory.Path().c_str(), 1);
-        setenv(kWitnessLog, log.c_str(), 1);
-        LoadedLibrary library;
-        body(library);
-        std::exit(testing::Test::HasFailure() ? 1 : 0);
-    }
-    int status = -1;
-    waitpid(child, &status, 0);
-    std::string words = status != 0 ? "status " + std::to_string(status) + " " : "";
-    std::ifstream file(log);
-    for (std::string word; file >> word;) {
-        words += word + ' ';
-    }
-    return words;
 }
 
 // Registers the witness and leaves its factory in the cache.
@@ -133,7 +80,7 @@ QXResult CacheWitness(const LoadedLibrary& library) {
     char16_t classText[QX_GUID_TEXT_SIZE];
     library.Call("QXComStringFromGUID", &classID, &classText[0], int32_t{QX_GUID_TEXT_SIZE});
     const std::u16string key = u"CLSID\\" + std::u16string(classText) + u"\\InprocServer32";
-    const std::u16string path = std::filesystem::path(QXCORE_WITNESS).u16string();
+    const std::u16string path = ModulePath(QXCORE_WITNESS).u16string();
     library.Call("QXRegistrySetValue", int32_t{QX_HKEY_CLASSES_64}, key.c_str(), u"",
                  uint32_t{QX_REG_STRING}, static_cast<const void*>(path.c_str()),
                  static_cast<uint32_t>(path.size() * 2));
@@ -180,44 +127,68 @@ void LeaveThreadBusy(const LoadedLibrary& library) {
     }
 }
 
+struct Use {
+    const char* what;
+    void (*body)(LoadedLibrary& library);
+};
+constexpr Use kUses[] = {
+    {"flush",
+     [](LoadedLibrary& library) {
+         EXPECT_EQ(QX_S_OK, CacheWitness(library));
+         library.Call("QXComFlushFactoryCache");
+     }},
+    {"unload",
+     [](LoadedLibrary& library) {
+         EXPECT_EQ(QX_S_OK, CacheWitness(library));
+         library.Close();
+         EXPECT_FALSE(IsLoaded());
+     }},
+    {"process end", [](LoadedLibrary& library) { EXPECT_EQ(QX_S_OK, CacheWitness(library)); }},
+    {"process end while a thread waits",
+     [](LoadedLibrary& library) {
+         EXPECT_EQ(QX_S_OK, CacheWitness(library));
+         LeaveThreadWaiting(library);
+     }},
+    {"process end while a thread is busy",
+     [](LoadedLibrary& library) { LeaveThreadBusy(library); }},
+};
+
+CHILD_ROLE(UseLibrary) {
+    static LoadedLibrary s_library;  // threads that the use leaves behind still call it
+    for (const Use& use : kUses) {
+        if (use.what == arguments[0]) {
+            use.body(s_library);
+        }
+    }
+    return 0;
+}
+
+// The words that the witness writes when a child uses the library, with its code in front if the
+// child does not end well.
+std::string LogOfUse(const std::string& what) {
+    const OwnRegistry registry;
+    const std::string log = (registry.Folder() / "log").string();
+    SetEnvironment(kWitnessLog, log);
+    const int code = ChildProcess("UseLibrary", {what}).Wait();
+    std::string words = code != 0 ? "code " + std::to_string(code) + " " : "";
+    std::ifstream file(log);
+    for (std::string word; file >> word;) {
+        words += word + ' ';
+    }
+    return words;
+}
+
+// Unloading the library leaves the witness in memory until the process ends.
 TEST(LoadUnload, ReleasesCachedFactoriesAndUnloadsNoneOfTheirLibraries) {
-    struct Row {
-        const char* what;
-        std::function<void(LoadedLibrary&)> body;
-        const char* log;
-    };
-    // Unloading the library leaves the witness in memory until the process ends.
-    const Row rows[] = {
-        {"flush",
-         [](LoadedLibrary& library) {
-             EXPECT_EQ(QX_S_OK, CacheWitness(library));
-             library.Call("QXComFlushFactoryCache");
-         },
-         "loaded asked released unloaded "},
-        {"dlclose",
-         [](LoadedLibrary& library) {
-             EXPECT_EQ(QX_S_OK, CacheWitness(library));
-             library.Close();
-             EXPECT_FALSE(IsLoaded());
-         },
-         "loaded asked released unloaded "},
-        {"process end", [](LoadedLibrary& library) { EXPECT_EQ(QX_S_OK, CacheWitness(library)); },
-         "loaded asked released unloaded "},
-        {"process end while a thread waits",
-         [](LoadedLibrary& library) {
-             EXPECT_EQ(QX_S_OK, CacheWitness(library));
-             LeaveThreadWaiting(library);
-         },
-         "loaded asked released unloaded "},
-    };
-    for (const Row& row : rows) {
-        EXPECT_EQ(row.log, LogOfChild(row.body)) << row.what;
+    for (const char* what :
+         {"flush", "unload", "process end", "process end while a thread waits"}) {
+        EXPECT_EQ("loaded asked released unloaded ", LogOfUse(what)) << what;
     }
 }
 
 TEST(LoadUnload, ProcessEndPullsNothingFromUnderABusyThread) {
     for (int round = 0; round < 20; ++round) {
-        const std::string log = LogOfChild(LeaveThreadBusy);
+        const std::string log = LogOfUse("process end while a thread is busy");
         EXPECT_EQ(0u, log.find("loaded asked")) << log;
     }
 }

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <fstream>
 
 namespace {
@@ -21,16 +20,15 @@ void SetValue(const std::u16string& key, const std::u16string& name, uint32_t ty
 }  // namespace
 
 RegisteredClasses::RegisteredClasses() {
-    setenv("W64QXCORE6_REGISTRY", m_directory.Path().c_str(), 1);
-    setenv(kWitnessLog, (m_directory.Path() / "log").c_str(), 1);
+    SetEnvironment(kWitnessLog, (m_registry.Folder() / "log").string());
 }
 
 std::u16string RegisteredClasses::WitnessPath() {
-    return std::filesystem::path(QXCORE_WITNESS).u16string();
+    return ModulePath(QXCORE_WITNESS).u16string();
 }
 
 std::u16string RegisteredClasses::HollowPath() {
-    return std::filesystem::path(QXCORE_HOLLOW).u16string();
+    return ModulePath(QXCORE_HOLLOW).u16string();
 }
 
 std::u16string RegisteredClasses::ClassText(WitnessBehaviour behaviour) {
@@ -41,7 +39,7 @@ std::u16string RegisteredClasses::ClassText(WitnessBehaviour behaviour) {
 }
 
 std::u16string RegisteredClasses::Folder() const {
-    return m_directory.Path().u16string();
+    return m_registry.Folder().u16string();
 }
 
 void RegisteredClasses::Register(WitnessBehaviour behaviour, const std::u16string& library,
@@ -63,7 +61,7 @@ void RegisteredClasses::RegisterProgram(const std::u16string& program,
 }
 
 std::string RegisteredClasses::TakeLog() const {
-    const auto path = m_directory.Path() / "log";
+    const auto path = m_registry.Folder() / "log";
     std::string words;
     {
         std::ifstream log(path);

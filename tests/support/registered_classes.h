@@ -6,13 +6,12 @@
 
 #include <string>
 
-#include "support/temporary_directory.h"
+#include "support/system.h"
 #include "support/witness.h"
 
 class RegisteredClasses {
   public:
-    // Points the process's registry and the witness's log into a temporary directory. The
-    // registry's place is looked up once in a process, so a test has one of these.
+    // Points the witness's log into the registry's folder.
     RegisteredClasses();
 
     static std::u16string WitnessPath();
@@ -31,7 +30,7 @@ class RegisteredClasses {
     std::string TakeLog() const;
 
   private:
-    TemporaryDirectory m_directory;
+    OwnRegistry m_registry;
 };
 
 #endif

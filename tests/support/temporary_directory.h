@@ -3,17 +3,17 @@
 #define TESTS_SUPPORT_TEMPORARY_DIRECTORY_H
 
 #include <filesystem>
-#include <stdexcept>
+#include <random>
 #include <string>
 
 class TemporaryDirectory {
   public:
     TemporaryDirectory() {
-        std::string pattern = std::filesystem::temp_directory_path() / "qxcore-test-XXXXXX";
-        if (mkdtemp(pattern.data()) == nullptr) {
-            throw std::runtime_error("no temporary directory");
-        }
-        m_path = pattern;
+        do {
+            m_path = std::filesystem::temp_directory_path() /
+                     ("qxcore-test-" + std::to_string(std::random_device()()));
+        } while (!std::filesystem::create_directory(m_path));  // throws if it cannot
+        std::filesystem::permissions(m_path, std::filesystem::perms::owner_all);
     }
     ~TemporaryDirectory() {
         std::error_code ignored;

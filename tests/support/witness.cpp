@@ -1,27 +1,23 @@
 // It does not link to the library under test, so that it does not keep that loaded.
 #include "support/witness.h"
 
-#include <dlfcn.h>
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <atomic>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <string>
 #include <thread>
+
+#include "support/system.h"
 
 namespace {
 
 void Write(const char* word) {
     const char* const path = std::getenv(kWitnessLog);
-    const int file = path != nullptr ? open(path, O_WRONLY | O_CREAT | O_APPEND, 0600) : -1;
-    if (file >= 0) {
-        const std::string line = std::string(word) + "\n";
-        if (write(file, line.data(), line.size()) < 0) {
+    std::FILE* const file = path != nullptr ? std::fopen(path, "ab") : nullptr;
+    if (file != nullptr) {
+        if (std::fprintf(file, "%s\n", word) < 0 || std::fclose(file) != 0) {
             std::abort();
         }
-        close(file);
     }
 }
 
@@ -79,7 +75,7 @@ void LookUpPlainClass() {
     const GUID plain = WitnessClass(kPlain);
     void* factory = nullptr;
     const auto lookUp =
-        reinterpret_cast<QXGetClassObjectFunction>(dlsym(RTLD_DEFAULT, "QXComGetClassObject"));
+        reinterpret_cast<QXGetClassObjectFunction>(FindInLibrary("QXComGetClassObject"));
     if (QX_SUCCEEDED(lookUp(&plain, &QX_IID_CLASS_FACTORY, &factory))) {
         static_cast<IQXUnknown*>(factory)->Release();
     }
@@ -87,9 +83,7 @@ void LookUpPlainClass() {
 
 }  // namespace
 
-extern "C" __attribute__((visibility("default"))) QXResult DllGetClassObject(const GUID* classID,
-                                                                             const GUID*,
-                                                                             void** result) {
+WITNESS_EXPORT QXResult DllGetClassObject(const GUID* classID, const GUID*, void** result) {
     Write("asked");
     switch (classID->Data2) {
         case kRefuses:

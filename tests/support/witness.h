@@ -4,6 +4,12 @@
 
 #include <qxcore.h>
 
+#ifdef _WIN32
+#define WITNESS_EXPORT extern "C" __declspec(dllexport)
+#else
+#define WITNESS_EXPORT extern "C" __attribute__((visibility("default")))
+#endif
+
 // What a class of the witness does when it is asked for. The class id is kWitnessClass with this
 // number as Data2.
 enum WitnessBehaviour : uint16_t {

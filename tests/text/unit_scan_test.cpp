@@ -1,8 +1,6 @@
 #include "text/unit_scan.h"
 
 #include <gtest/gtest.h>
-#include <sys/mman.h>
-#include <unistd.h>
 
 #include <cstring>
 #include <memory>
@@ -10,36 +8,29 @@
 #include <string>
 
 #include "platform/processor.h"
+#include "support/system.h"
 
 namespace {
 
 using unit_scan::kUnlimited;
 using unit_scan::Loops;
 
-// Memory that ends where the next page may not be touched, and begins where the one before may not.
-class FencedPage {
+// Texts at the ends of a page whose neighbours may not be touched.
+class TextPage {
   public:
-    FencedPage() : m_size(static_cast<size_t>(sysconf(_SC_PAGESIZE))) {
-        m_fence = static_cast<char*>(
-            mmap(nullptr, 3 * m_size, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
-        mprotect(m_fence + m_size, m_size, PROT_READ | PROT_WRITE);
-    }
-    ~FencedPage() { munmap(m_fence, 3 * m_size); }
-    FencedPage(const FencedPage&) = delete;
-
     // The units at the page's end, less a few bytes, or at its beginning, with others around them.
     template <typename Unit>
     const Unit* Place(const std::basic_string<Unit>& units, size_t bytesBehind, bool atEnd) {
-        std::memset(m_fence + m_size, 'a', m_size);
+        std::memset(m_page.Begin(), 'a', m_page.Size());
         const size_t bytes = units.size() * sizeof(Unit);
-        char* const begin = m_fence + m_size + (atEnd ? m_size - bytesBehind - bytes : bytesBehind);
+        char* const begin =
+            m_page.Begin() + (atEnd ? m_page.Size() - bytesBehind - bytes : bytesBehind);
         std::memcpy(begin, units.data(), bytes);
         return reinterpret_cast<const Unit*>(begin);
     }
 
   private:
-    size_t m_size;
-    char* m_fence;
+    FencedPage m_page;
 };
 
 const Loops& LoopsOf(int index) {
@@ -57,7 +48,7 @@ const Loops& LoopsOf(int index) {
 class UnitScan : public testing::TestWithParam<int> {
   protected:
     const Loops& m_loops = LoopsOf(GetParam());
-    FencedPage m_first, m_second;
+    TextPage m_first, m_second;
 
     // Runs a check for texts of many lengths at both ends of a page, whatever their alignment.
     template <typename Check>

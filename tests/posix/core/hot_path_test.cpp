@@ -9,7 +9,7 @@
 #include <functional>
 #include <thread>
 
-#include "support/child_process.h"
+#include "posix/support/forked_child.h"
 
 namespace {
 
@@ -60,9 +60,9 @@ TEST(HotPaths, MakeNoSystemCall) {
     GTEST_SKIP() << "the sanitizer makes system calls of its own";
 #endif
     for (const auto& action : {UseMutex, UseStrings, UseConversions}) {
-        EXPECT_EQ(0, ChildProcess([&] { return EndsWithoutSystemCall(action); }).Wait());
+        EXPECT_EQ(0, ForkedChild([&] { return EndsWithoutSystemCall(action); }).Wait());
         // A process of several threads takes other ways.
-        ChildProcess threaded([&] {
+        ForkedChild threaded([&] {
             std::thread([] {}).join();
             return EndsWithoutSystemCall(action);
         });

@@ -1,6 +1,6 @@
 // A forked copy of the test that runs one function.
-#ifndef TESTS_SUPPORT_CHILD_PROCESS_H
-#define TESTS_SUPPORT_CHILD_PROCESS_H
+#ifndef TESTS_POSIX_SUPPORT_FORKED_CHILD_H
+#define TESTS_POSIX_SUPPORT_FORKED_CHILD_H
 
 #include <signal.h>
 #include <sys/mman.h>
@@ -15,11 +15,11 @@ enum class ChildEnd {
     kThroughExitHandlers,  // as a program ends: libraries are detached
 };
 
-class ChildProcess {
+class ForkedChild {
   public:
     // `body` returns the exit code. What it expects by the test framework's means is lost.
     template <typename Body>
-    explicit ChildProcess(Body body, ChildEnd end = ChildEnd::kAtOnce) : m_id(::fork()) {
+    explicit ForkedChild(Body body, ChildEnd end = ChildEnd::kAtOnce) : m_id(::fork()) {
         if (m_id == 0) {
             const int code = body();
             if (end == ChildEnd::kThroughExitHandlers) {
@@ -28,13 +28,13 @@ class ChildProcess {
             std::_Exit(code);
         }
     }
-    ~ChildProcess() {
+    ~ForkedChild() {
         if (m_id > 0) {
             Kill();
         }
     }
-    ChildProcess(ChildProcess&& other) noexcept : m_id(other.m_id) { other.m_id = -1; }
-    ChildProcess& operator=(ChildProcess&&) = delete;
+    ForkedChild(ForkedChild&& other) noexcept : m_id(other.m_id) { other.m_id = -1; }
+    ForkedChild& operator=(ForkedChild&&) = delete;
 
     // The exit code, or -1 for a child that did not come to its end.
     int Wait() {

@@ -1,16 +1,11 @@
-// What threads ask of the platform, from the inside.
+// Signals that come while the library is at work.
 #include <gtest/gtest.h>
 #include <qxcore/debug.h>
 #include <qxcore/thread.h>
 #include <signal.h>
 #include <sys/time.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <chrono>
-#include <thread>
-
-#include "platform/threads.h"
 
 namespace {
 
@@ -18,20 +13,6 @@ volatile sig_atomic_t s_signals = 0;
 
 void CountSignal(int) {
     s_signals = s_signals + 1;
-}
-
-TEST(ThreadId, IsTheKernelsAlsoInAForkedChildAndItsThreads) {
-    EXPECT_EQ(static_cast<u32>(gettid()), platform::GetCurrentThreadId());
-    std::thread([] {
-        EXPECT_EQ(static_cast<u32>(gettid()), platform::GetCurrentThreadId());
-    }).join();
-    const pid_t child = fork();
-    if (child == 0) {
-        _exit(static_cast<u32>(gettid()) == platform::GetCurrentThreadId() ? 0 : 1);
-    }
-    int status = -1;
-    waitpid(child, &status, 0);
-    EXPECT_EQ(0, status);
 }
 
 TEST(DebugBreak, CanBeResumed) {

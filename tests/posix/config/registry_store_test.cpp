@@ -1,4 +1,4 @@
-// The store under load, under kill, damaged, and shared by processes and users.
+// The store under load, under kill, damaged, shared by processes and users, and where it stands.
 #include <pthread.h>
 #include <sched.h>
 #include <sqlite3.h>
@@ -12,8 +12,8 @@
 #include <thread>
 
 #include "config/registry_support.h"
+#include "posix/support/forked_child.h"
 #include "support/allocation_fault.h"
-#include "support/child_process.h"
 
 extern "C" [[gnu::weak]] void __lsan_disable();
 extern "C" [[gnu::weak]] void __lsan_enable();
@@ -81,13 +81,13 @@ int WriteFromTwoThreads(int first) {
 
 TEST_F(RegistryStore, TakesWritersFromManyProcessesAndThreadsAtOnce) {
     // Nobody has made the store: the processes do, all at once.
-    std::vector<ChildProcess> writers;
+    std::vector<ForkedChild> writers;
     writers.reserve(4);
     for (int i = 0; i < 4; ++i) {
         writers.emplace_back([i] { return WriteFromTwoThreads(2000 * i); });
     }
     SharedWithChildren<std::atomic<bool>> done;
-    ChildProcess reader([&] {
+    ForkedChild reader([&] {
         while (Exists(QX_HKEY_USER, u"hot", u"block") == QX_E_NOTFOUND) {
             ::sched_yield();
         }
@@ -98,7 +98,7 @@ TEST_F(RegistryStore, TakesWritersFromManyProcessesAndThreadsAtOnce) {
         }
         return 0;
     });
-    for (ChildProcess& writer : writers) {
+    for (ForkedChild& writer : writers) {
         EXPECT_EQ(writer.Wait(), 0);
     }
     *done = true;
@@ -112,7 +112,7 @@ TEST_F(RegistryStore, LosesNothingThatWasReportedWhenWritersAreKilled) {
     SharedWithChildren<std::atomic<int>> written;
     for (int round = 0; round < 50; ++round) {
         const int start = *written;
-        ChildProcess writer([&] {
+        ForkedChild writer([&] {
             for (int i = start; SetNumber(i, static_cast<uint32_t>(i)) == 0; ++i) {
                 *written = i + 1;
             }
@@ -142,7 +142,7 @@ TEST_F(RegistryStore, WorksOnBothSidesOfAForkWhileAThreadIsInside) {
         }
     });
     for (int i = 0; i < 20; ++i) {
-        ChildProcess child([&] {
+        ForkedChild child([&] {
             const bool reads = Text(u"k\\a", u"v") == u"before" && Names(keys).size() == 2;
             return reads && SetNumber(i, 1, u"child") == 0 ? 0 : 1;
         });
@@ -197,7 +197,7 @@ void MakeForeignDatabase(const std::filesystem::path& file) {
 }
 
 void MakeCutStore(const std::filesystem::path& file) {
-    ChildProcess([] { return SetText(u"k", u"v", u"text"); }).Wait();
+    ForkedChild([] { return SetText(u"k", u"v", u"text"); }).Wait();
     sqlite3* database = nullptr;
     sqlite3_open(file.c_str(), &database);
     sqlite3_exec(database, "PRAGMA wal_checkpoint(TRUNCATE)", nullptr, nullptr, nullptr);
@@ -227,7 +227,7 @@ TEST_F(RegistryStore, LeavesAFileThatIsNotItsOwnAlone) {
     for (const auto& row : rows) {
         row.make(file);
         const std::string before = Contents(file);
-        ChildProcess user([] {
+        ForkedChild user([] {
             const bool reads = Exists(QX_HKEY_USER, u"k", u"v") == QX_E_FAIL;
             const bool writes = SetText(u"k", u"v", u"other") == QX_E_FAIL;
             return reads && writes && QXRegistryDeleteKey(QX_HKEY_USER, u"k") == QX_E_FAIL ? 0 : 1;
@@ -250,8 +250,8 @@ TEST_F(RegistryStore, WritesNeitherWithoutItsDirectoryNorWhereItMayNot) {
         GTEST_SKIP() << "only root can become another user";
     }
     std::filesystem::create_directory(missing);
-    ::chmod(m_directory.Path().c_str(), 0755);
-    ChildProcess stranger([] {
+    ::chmod(m_registry.Folder().c_str(), 0755);
+    ForkedChild stranger([] {
         const bool dropped = ::setuid(kNobody) == 0;
         const bool reads = Exists(QX_HKEY_USER, u"k", u"v") == QX_E_NOTFOUND;
         return dropped && reads && SetText(u"k", u"v", u"text") == QX_E_ACCESSDENIED ? 0 : 1;
@@ -288,15 +288,15 @@ TEST_F(RegistryStore, OtherUsersReadTheMachineTreeAndCannotWriteIt) {
     if (::geteuid() != 0) {
         GTEST_SKIP() << "only root can become another user";
     }
-    ::chmod(m_directory.Path().c_str(), 0755);
+    ::chmod(m_registry.Folder().c_str(), 0755);
     ::umask(077);
     for (const ChildEnd end : {ChildEnd::kAtOnce, ChildEnd::kThroughExitHandlers}) {
-        ChildProcess writer([] { return SetText(u"k", u"v", u"text", QX_HKEY_CONFIG); }, end);
+        ForkedChild writer([] { return SetText(u"k", u"v", u"text", QX_HKEY_CONFIG); }, end);
         ASSERT_EQ(writer.Wait(), 0);
-        EXPECT_EQ(ChildProcess(ReadMachineTreeAsNobody).Wait(), 0) << "the last writer has ended";
+        EXPECT_EQ(ForkedChild(ReadMachineTreeAsNobody).Wait(), 0) << "the last writer has ended";
     }
     ASSERT_EQ(SetText(u"k", u"w", u"text", QX_HKEY_CONFIG), 0);
-    EXPECT_EQ(ChildProcess(ReadMachineTreeAsNobody).Wait(), 0) << "a writer is there";
+    EXPECT_EQ(ForkedChild(ReadMachineTreeAsNobody).Wait(), 0) << "a writer is there";
 }
 
 // Fails each allocation of a call in turn. Without a fault it succeeds; with one it gives
@@ -315,10 +315,10 @@ TEST_F(RegistryStore, UserWhoComesToHaveTheRightCanWrite) {
     if (::geteuid() != 0) {
         GTEST_SKIP() << "only root can become another user";
     }
-    ::chmod(m_directory.Path().c_str(), 0755);
-    ChildProcess owner([] { return SetText(u"k", u"v", u"text", QX_HKEY_CONFIG); });
+    ::chmod(m_registry.Folder().c_str(), 0755);
+    ForkedChild owner([] { return SetText(u"k", u"v", u"text", QX_HKEY_CONFIG); });
     ASSERT_EQ(owner.Wait(), 0);
-    ChildProcess changing([] {
+    ForkedChild changing([] {
         const bool denied = ::seteuid(65534) == 0 && Text(u"k", u"v", QX_HKEY_CONFIG) == u"text" &&
                             SetText(u"k", u"v", u"mine", QX_HKEY_CONFIG) == QX_E_ACCESSDENIED;
         const bool allowed = ::seteuid(0) == 0 && SetText(u"k", u"v", u"mine", QX_HKEY_CONFIG) == 0;
@@ -352,11 +352,11 @@ TEST_F(RegistryStore, NothingIsOpenAcrossAForkWhoseHandlersUseIt) {
         for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
             std::error_code ignored;
             const auto target = std::filesystem::read_symlink(entry, ignored).string();
-            count += target.starts_with(m_directory.Path().string());
+            count += target.starts_with(m_registry.Folder().string());
         }
         return count;
     };
-    ChildProcess child(countOpen);
+    ForkedChild child(countOpen);
     EXPECT_EQ(child.Wait(), 0);
     EXPECT_EQ(Text(u"k", u"v"), u"in a handler");
 }
@@ -399,6 +399,36 @@ TEST_F(RegistryStore, SurvivesTheFailureOfEachAllocation) {
         EXPECT_EQ(SubkeysOf(u"k").size(), result == 0 ? 1u : 2u) << n;
         EXPECT_TRUE(failed || result == 0);
     }
+}
+
+TEST_F(RegistryStore, LooksAtTheEnvironmentOnceAndReadingMakesNothing) {
+    EXPECT_EQ(Text(u"k", u"v"), u"<not found>");
+    EXPECT_EQ(QXRegistryDeleteKey(QX_HKEY_USER, u"k"), QX_E_FAIL);
+    EXPECT_TRUE(std::filesystem::is_empty(m_registry.Folder()));
+    ::setenv("W64QXCORE6_REGISTRY", "/nowhere", 1);
+    EXPECT_EQ(SetText(u"k", u"v", u"text"), 0);
+    EXPECT_TRUE(std::filesystem::exists(File("user.db")));
+}
+
+TEST_F(RegistryStore, MakesTheUsersDirectoryForTheUserAlone) {
+    ::unsetenv("W64QXCORE6_REGISTRY");
+    ::setenv("HOME", m_registry.Folder().c_str(), 1);
+    ::setenv("XDG_CONFIG_HOME", "relative", 1);
+    ::umask(0);
+    ASSERT_EQ(SetText(u"k", u"v", u"text"), 0);
+    using std::filesystem::perms;
+    const auto modeOf = [this](const char* path) {
+        return std::filesystem::status(File(path)).permissions();
+    };
+    EXPECT_EQ(modeOf(".config/w64qxcore6"), perms::owner_all);
+    EXPECT_EQ(modeOf(".config/w64qxcore6/user.db"), perms::owner_read | perms::owner_write);
+    EXPECT_EQ(modeOf(".config/w64qxcore6/user.db-wal"), perms::owner_read | perms::owner_write);
+}
+
+TEST_F(RegistryStore, ExpandsBytesThatAreNoText) {
+    ::setenv("QX_BAD", "<\xC3>\xED\xA0\x80", 1);
+    ASSERT_EQ(SetText(u"k", u"v", u"%QX_BAD%", QX_HKEY_USER, QX_REG_EXPAND_STRING), 0);
+    EXPECT_EQ(Text(u"k", u"v"), u"<\uFFFD>\uFFFD\uFFFD\uFFFD");
 }
 
 }  // namespace
