@@ -10,7 +10,7 @@
 #include <thread>
 #include <tuple>
 
-#include "support/child_process.h"
+#include "posix/support/forked_child.h"
 
 namespace {
 
@@ -134,7 +134,7 @@ TEST(TimeZone, AForkInTheMiddleOfAConversionLeavesTheChildAWay) {
         }
     });
     for (int round = 0; round < 200; ++round) {
-        ChildProcess child([] {
+        ForkedChild child([] {
             alarm(20);
             QXTimeRecord record;
             return QXTimeFromPosix(kJuly, &record);
