@@ -14,6 +14,7 @@
 #include <qxcore/converter.h>
 #include <qxcore/debug.h>
 #include <qxcore/guid.h>
+#include <qxcore/host.h>
 #include <qxcore/locale.h>
 #include <qxcore/memory.h>
 #include <qxcore/module.h>
@@ -22,6 +23,7 @@
 #include <qxcore/result.h>
 #include <qxcore/semaphore.h>
 #include <qxcore/string.h>
+#include <qxcore/system.h>
 #include <qxcore/thread.h>
 #include <qxcore/time.h>
 #include <qxcore/transform.h>

@@ -10,6 +10,8 @@
 #include "core/exception.h"
 #include "sync/lock_stat_manager.h"
 #include "sync/mutex_provider.h"
+#include "system/local_host.h"
+#include "system/my_addresses.h"
 
 constinit IMutexProvider* CQXGlobalData::m_mutexProvider = nullptr;
 constinit CQXLockStatManager* CQXGlobalData::m_lockStatManager = nullptr;
@@ -50,6 +52,8 @@ void QXGlobalsConstruct() {
 
 // The statistics manager goes last: measured mutexes live in it, also after the provider is gone.
 void QXGlobalsDestroy() {
+    ReleaseLocalHostCache();
+    ReleaseMyAddresses();
     Destroy(CQXGlobalData::m_clientData);
     Destroy(CQXGlobalData::m_moduleManager);
     DestroyDebugMutex();
