@@ -19,6 +19,7 @@
 #include <qxcore/memory.h>
 #include <qxcore/module.h>
 #include <qxcore/mutex.h>
+#include <qxcore/option.h>
 #include <qxcore/registry.h>
 #include <qxcore/result.h>
 #include <qxcore/semaphore.h>
