@@ -15,6 +15,7 @@
 #include <qxcore/debug.h>
 #include <qxcore/guid.h>
 #include <qxcore/host.h>
+#include <qxcore/line_file.h>
 #include <qxcore/locale.h>
 #include <qxcore/memory.h>
 #include <qxcore/module.h>

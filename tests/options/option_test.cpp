@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "options/option_scan.h"
+#include "support/system.h"
 
 namespace {
 
@@ -88,11 +89,7 @@ class OptionTest : public testing::Test {
     ~OptionTest() override { SetPosixlyCorrect(false); }
 
     static void SetPosixlyCorrect(bool on) {
-#ifdef _WIN32
-        _putenv(on ? "POSIXLY_CORRECT=1" : "POSIXLY_CORRECT=");
-#else
-        on ? setenv("POSIXLY_CORRECT", "", 1) : unsetenv("POSIXLY_CORRECT");
-#endif
+        on ? SetEnvironment("POSIXLY_CORRECT", "1") : UnsetEnvironment("POSIXLY_CORRECT");
     }
 };
 
