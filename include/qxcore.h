@@ -11,8 +11,10 @@
 #include <qxcore/base.h>
 #include <qxcore/bytes.h>
 #include <qxcore/component.h>
+#include <qxcore/condition.h>
 #include <qxcore/converter.h>
 #include <qxcore/debug.h>
+#include <qxcore/event.h>
 #include <qxcore/guid.h>
 #include <qxcore/host.h>
 #include <qxcore/line_file.h>

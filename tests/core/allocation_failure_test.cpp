@@ -28,6 +28,12 @@ TEST(GuardedExports, FailedAllocationIsAResultAndLeavesTheInvalidHandle) {
     const Row rows[] = {
         {"QXMutexCreate", [](QXHandle* out) { return QXMutexCreate(kLongName, 0, out); },
          QXMutexDestroy, QX_INVALID_HANDLE},
+        {"QXEventCreate", [](QXHandle* out) { return QXEventCreate(kLongName, 0, out); },
+         QXEventDestroy, QX_INVALID_HANDLE},
+        {"QXSemaphoreCreate", [](QXHandle* out) { return QXSemaphoreCreate(0, kLongName, 0, out); },
+         QXSemaphoreDestroy, QX_INVALID_HANDLE},
+        {"QXConditionCreate", [](QXHandle* out) { return QXConditionCreate(kLongName, 0, out); },
+         QXConditionDestroy, QX_INVALID_HANDLE},
         {"QXLibOpen", [&](QXHandle* out) { return QXLibOpen(path.c_str(), out); }, QXLibClose,
          QX_INVALID_HANDLE},
         {"QXLibGetSymbol",

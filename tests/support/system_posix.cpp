@@ -86,6 +86,16 @@ void* FindInLibrary(const char* name) {
     return ::dlsym(RTLD_DEFAULT, name);
 }
 
+unsigned ThreadNumber() {
+    return static_cast<unsigned>(::gettid());
+}
+
+bool ThreadSleeps(unsigned number) {
+    std::string line;
+    std::getline(std::ifstream("/proc/self/task/" + std::to_string(number) + "/stat"), line);
+    return line.find(") S ") != std::string::npos;
+}
+
 Footprint MeasureFootprint() {
     Footprint now = {};
     for ([[maybe_unused]] const auto& entry :

@@ -138,6 +138,15 @@ void* FindInLibrary(const char* name) {
     return nullptr;
 }
 
+unsigned ThreadNumber() {
+    return ::GetCurrentThreadId();
+}
+
+bool ThreadSleeps(unsigned) {
+    ::Sleep(50);
+    return true;
+}
+
 Footprint MeasureFootprint() {
     Footprint now = {};
     DWORD handles = 0;

@@ -26,6 +26,34 @@ void UseMutex() {
     }
 }
 
+void UseWaitingObjects() {
+    static QXHandle s_event = nullptr;
+    static QXHandle s_gate = nullptr;
+    static QXHandle s_semaphore = nullptr;
+    static QXHandle s_condition = nullptr;
+    if (s_event == nullptr) {
+        QXEventCreate("hot", 0, &s_event);
+        QXGateCreate("hot", 0, &s_gate);
+        QXSemaphoreCreate(0, "hot", 0, &s_semaphore);
+        QXConditionCreate("hot", 0, &s_condition);
+    }
+    for (int round = 0; round < 100; ++round) {
+        QXEventSignal(s_event);
+        QXEventWait(s_event);
+        QXEventTimedWait(s_event, 0);
+        QXGateOpen(s_gate);
+        QXGateTimedWait(s_gate, 1000);
+        QXGateClose(s_gate);
+        QXGateTryWait(s_gate);
+        QXSemaphorePost(s_semaphore);
+        QXSemaphoreWait(s_semaphore);
+        QXConditionAcquire(s_condition);
+        QXConditionSignal(s_condition);
+        QXConditionBroadcast(s_condition);
+        QXConditionRelease(s_condition);
+    }
+}
+
 void UseStrings() {
     char narrow[64];
     char16_t wide[64];
@@ -59,7 +87,7 @@ TEST(HotPaths, MakeNoSystemCall) {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     GTEST_SKIP() << "the sanitizer makes system calls of its own";
 #endif
-    for (const auto& action : {UseMutex, UseStrings, UseConversions}) {
+    for (const auto& action : {UseMutex, UseWaitingObjects, UseStrings, UseConversions}) {
         EXPECT_EQ(0, ForkedChild([&] { return EndsWithoutSystemCall(action); }).Wait());
         // A process of several threads takes other ways.
         ForkedChild threaded([&] {
