@@ -25,6 +25,7 @@
 #include <qxcore/option.h>
 #include <qxcore/registry.h>
 #include <qxcore/result.h>
+#include <qxcore/rwlock.h>
 #include <qxcore/semaphore.h>
 #include <qxcore/string.h>
 #include <qxcore/system.h>

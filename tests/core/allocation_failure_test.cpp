@@ -34,6 +34,8 @@ TEST(GuardedExports, FailedAllocationIsAResultAndLeavesTheInvalidHandle) {
          QXSemaphoreDestroy, QX_INVALID_HANDLE},
         {"QXConditionCreate", [](QXHandle* out) { return QXConditionCreate(kLongName, 0, out); },
          QXConditionDestroy, QX_INVALID_HANDLE},
+        {"QXRWLockCreate", [](QXHandle* out) { return QXRWLockCreate(kLongName, 0, out); },
+         QXRWLockDestroy, QX_INVALID_HANDLE},
         {"QXLibOpen", [&](QXHandle* out) { return QXLibOpen(path.c_str(), out); }, QXLibClose,
          QX_INVALID_HANDLE},
         {"QXLibGetSymbol",

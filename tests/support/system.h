@@ -46,8 +46,8 @@ void* FindInLibrary(const char* name);
 
 // The system's number of the calling thread.
 unsigned ThreadNumber();
-// Whether a thread of this process sleeps in the system. Where the system does not tell, the thread is
-// given some time, and the answer is yes.
+// Whether a thread of this process sleeps in the system. Where the system does not tell, the thread
+// is given some time, and the answer is yes.
 bool ThreadSleeps(unsigned number);
 
 // What this process holds of the system.

@@ -31,11 +31,13 @@ void UseWaitingObjects() {
     static QXHandle s_gate = nullptr;
     static QXHandle s_semaphore = nullptr;
     static QXHandle s_condition = nullptr;
+    static QXHandle s_lock = nullptr;
     if (s_event == nullptr) {
         QXEventCreate("hot", 0, &s_event);
         QXGateCreate("hot", 0, &s_gate);
         QXSemaphoreCreate(0, "hot", 0, &s_semaphore);
         QXConditionCreate("hot", 0, &s_condition);
+        QXRWLockCreate("hot", 0, &s_lock);
     }
     for (int round = 0; round < 100; ++round) {
         QXEventSignal(s_event);
@@ -51,6 +53,10 @@ void UseWaitingObjects() {
         QXConditionSignal(s_condition);
         QXConditionBroadcast(s_condition);
         QXConditionRelease(s_condition);
+        QXRWLockAcquireRead(s_lock);
+        QXRWLockAcquireWrite(s_lock);
+        QXRWLockReleaseWrite(s_lock);
+        QXRWLockReleaseRead(s_lock);
     }
 }
 
