@@ -1,0 +1,183 @@
+#include <qxcore/component.h>
+#include <qxcore/module.h>
+#include <qxcore/registry.h>
+
+#include "client/tally.h"
+#include "transcript/call_lists.h"
+#include "transcript/values.h"
+
+namespace {
+
+constexpr GUID kMissingClass = {0x54414C59, 3, 0x4E45, {0x80, 1, 2, 3, 4, 5, 6, 7}};
+
+constexpr const wchar* kPrograms[] = {u"Transcript.Tally", u"Transcript.Missing"};
+
+std::u16string ClassText(const GUID& classID) {
+    wchar text[QX_GUID_TEXT_SIZE];
+    QXComStringFromGUID(&classID, text, QX_GUID_TEXT_SIZE);
+    return text;
+}
+
+std::u16string ClassKey(const GUID& classID) {
+    return u"CLSID\\" + ClassText(classID);
+}
+
+QXResult SetDefaultValue(const std::u16string& key, const std::u16string& text) {
+    return QXRegistrySetValue(QX_HKEY_CLASSES_64, key.c_str(), u"", QX_REG_STRING, text.c_str(),
+                              static_cast<uint32_t>(2 * text.size() + 2));
+}
+
+// Registered classes and objects of them.
+class Classes {
+  public:
+    Classes() = default;
+    ~Classes() {
+        for (ITally* const object : m_objects) {
+            object->Release();
+        }
+        QXComFlushFactoryCache();
+        for (const GUID& classID : {kTallyClass, kMissingClass}) {
+            QXRegistryDeleteKey(QX_HKEY_CLASSES_64, ClassKey(classID).c_str());
+        }
+        for (const wchar* const program : kPrograms) {
+            QXRegistryDeleteKey(QX_HKEY_CLASSES_64, program);
+        }
+    }
+    Classes(const Classes&) = delete;
+    Classes& operator=(const Classes&) = delete;
+
+    void Register(Random& random, Line& line) {
+        const GUID classID = AnyClass(random, line);
+        const bool isThere = !componentLibrary.empty() && !random.OneIn(4);
+        line.Add("library", isThere ? "the component library" : "none");
+        line.Result(SetDefaultValue(ClassKey(classID) + u"\\InprocServer32",
+                                    isThere ? componentLibrary : u"no-such-library"));
+    }
+
+    void RegisterProgram(Random& random, Line& line) {
+        const std::u16string program = AnyProgram(random, line);
+        const GUID classID = AnyClass(random, line);
+        const std::u16string text = random.OneIn(5) ? u"no class" : ClassText(classID);
+        line.Add("text", text).Result(SetDefaultValue(program + u"\\CLSID", text));
+    }
+
+    void Unregister(Random& random, Line& line) {
+        const GUID classID = AnyClass(random, line);
+        line.Result(QXRegistryDeleteKey(QX_HKEY_CLASSES_64, ClassKey(classID).c_str()));
+    }
+
+    void ClassOfProgram(Random& random, Line& line) {
+        GUID classID = {};
+        line.Result(QXComClassIDFromProgID(AnyProgram(random, line).c_str(), &classID));
+        line.Bytes("class", &classID, sizeof classID);
+    }
+
+    void GetFactory(Random& random, Line& line) {
+        const GUID classID = AnyClass(random, line);
+        const GUID& interfaceID = random.OneIn(4) ? kTallyInterface : QX_IID_CLASS_FACTORY;
+        line.Bytes("interface", &interfaceID, sizeof interfaceID);
+        void* factory = nullptr;
+        const QXResult result = QXComGetClassObject(&classID, &interfaceID, &factory);
+        line.Result(result).Handle("factory", factory);
+        if (QX_SUCCEEDED(result)) {
+            line.Add("references", IQXUnknown_Release(factory));
+        }
+    }
+
+    void Create(Random& random, Line& line) {
+        const GUID classID = AnyClass(random, line);
+        void* const outer = random.OneIn(10) ? this : nullptr;
+        Keep(random, line, [&](const GUID* interfaceID, void** object) {
+            return QXComCreateObject(&classID, outer, interfaceID, object);
+        });
+    }
+
+    void CreateByProgram(Random& random, Line& line) {
+        const std::u16string program = AnyProgram(random, line);
+        Keep(random, line, [&](const GUID* interfaceID, void** object) {
+            return QXComCreateObjectByProgID(program.c_str(), nullptr, interfaceID, object);
+        });
+    }
+
+    void CreateForModule(Random& random, Line& line) {
+        const GUID classID = AnyClass(random, line);
+        const bool initialized = random.OneIn(2);
+        QXModuleSetInitialized(this, initialized ? 1 : 0);
+        line.Add("initialized", initialized);
+        Keep(random, line, [&](const GUID* interfaceID, void** object) {
+            return QXModuleComCreateObject(this, &classID, nullptr, interfaceID, object);
+        });
+        QXModuleSetInitialized(this, 0);
+    }
+
+    void Use(Random& random, Line& line) {
+        if (!m_objects.empty()) {
+            ITally* const object = m_objects.back();
+            const auto number = AnyNumber<int16_t>(random);
+            line.Add("number", number).Add("total", object->Add(number));
+            line.Add("AddRef", IQXUnknown_AddRef(object));
+            line.Add("Release", IQXUnknown_Release(object));
+        }
+    }
+
+    void Release(Random&, Line& line) {
+        if (!m_objects.empty()) {
+            line.Add("->", IQXUnknown_Release(m_objects.back()));
+            m_objects.pop_back();
+        }
+    }
+
+    // While objects live, the library that holds their code must stay.
+    void Flush(Random&, Line& line) {
+        if (m_objects.empty()) {
+            line.Result(QXComFlushFactoryCache());
+        }
+    }
+
+  private:
+    static GUID AnyClass(Random& random, Line& line) {
+        const bool isTally = !random.OneIn(4);
+        line.Add("class", isTally ? "tally" : "missing");
+        return isTally ? kTallyClass : kMissingClass;
+    }
+
+    static std::u16string AnyProgram(Random& random, Line& line) {
+        const wchar* const program = random.Of(kPrograms);
+        line.Add("program", std::u16string_view(program));
+        return program;
+    }
+
+    template <typename MakeObject>
+    void Keep(Random& random, Line& line, MakeObject create) {
+        void* object = nullptr;
+        const bool wantsTally = !random.OneIn(5);
+        line.Add("interface", wantsTally ? "tally" : "class factory");
+        const QXResult result =
+            create(wantsTally ? &kTallyInterface : &QX_IID_CLASS_FACTORY, &object);
+        line.Result(result).Handle("object", object);
+        if (QX_SUCCEEDED(result)) {
+            m_objects.push_back(static_cast<ITally*>(object));
+        }
+    }
+
+    std::vector<ITally*> m_objects;
+};
+
+}  // namespace
+
+std::vector<Call> ClassCalls() {
+    const auto classes = std::make_shared<Classes>();
+    return {
+        {"register a class", Member(classes, &Classes::Register), 2},
+        {"register a program", Member(classes, &Classes::RegisterProgram), 2},
+        {"unregister a class", Member(classes, &Classes::Unregister)},
+        {"QXComClassIDFromProgID", Member(classes, &Classes::ClassOfProgram)},
+        {"QXComGetClassObject", Member(classes, &Classes::GetFactory)},
+        {"QXComCreateObject", Member(classes, &Classes::Create)},
+        {"QXComCreateObjectByProgID", Member(classes, &Classes::CreateByProgram)},
+        {"QXModuleComCreateObject", Member(classes, &Classes::CreateForModule)},
+        {"use an object", Member(classes, &Classes::Use), 2},
+        {"IQXUnknown_Release", Member(classes, &Classes::Release)},
+        {"QXComFlushFactoryCache", Member(classes, &Classes::Flush)},
+    };
+}

@@ -1,0 +1,29 @@
+#include "transcript/families.h"
+
+#include "transcript/call_lists.h"
+
+namespace {
+
+constexpr Family kFamilies[] = {
+    {"classes", ClassCalls, nullptr},
+    {"converters", ConverterCalls, PrintConverters},
+    {"identifiers", IdentifierCalls, PrintIdentifiers},
+    {"locale", LocaleCalls, nullptr},
+    {"memory", MemoryCalls, nullptr},
+    {"modules", ModuleCalls, nullptr},
+    {"mutexes", MutexCalls, nullptr},
+    {"numbers", NumberCalls, nullptr},
+    {"registry", RegistryCalls, nullptr},
+    {"text case", TextCaseCalls, PrintTextCase},
+    {"text comparing", TextCompareCalls, nullptr},
+    {"text copying", TextCopyCalls, nullptr},
+    {"text searching", TextSearchCalls, nullptr},
+    {"transforms", TransformCalls, nullptr},
+    {"words", WordCalls, PrintWords},
+};
+
+}  // namespace
+
+std::span<const Family> Families() {
+    return kFamilies;
+}

@@ -1,0 +1,149 @@
+// Runs sequences of calls of the exported interface and prints each call with its arguments and
+// everything that it gives. The text is the same on every platform.
+//   transcript [--component LIBRARY] [--length N] --seeds FIRST-LAST
+//   transcript [--component LIBRARY] [--length N] --seed N [--only STEP,STEP...]
+//   transcript --fixed
+#include <charconv>
+#include <cstdio>
+#include <cstdlib>
+#include <optional>
+#include <set>
+#include <stdexcept>
+#include <string_view>
+
+#include "transcript/families.h"
+#include "transcript/values.h"
+
+std::u16string componentLibrary;
+
+namespace {
+
+struct Options {
+    bool fixed = false;
+    uint32_t first = 1;
+    uint32_t last = 0;
+    uint32_t length = 60;
+    std::optional<std::set<uint32_t>> only;
+};
+
+// The calls of all families for one sequence.
+class Sequence {
+  public:
+    Sequence() {
+        for (const Family& family : Families()) {
+            m_families.push_back(family.calls());
+        }
+    }
+
+    // Most calls of a sequence are of one family, so that they meet each other's objects.
+    void Make(uint32_t seed, uint32_t step) {
+        const uint32_t theme = Random(seed).Below(m_families.size());
+        Random random(seed, step + 1);
+        const std::vector<Call>& family =
+            random.OneIn(4) ? random.Of(m_families) : m_families[theme];
+        const Call& call = AnyOf(family, random);
+        Line line(std::to_string(step) + ' ' + call.name);
+        call.make(random, line);
+    }
+
+  private:
+    static const Call& AnyOf(const std::vector<Call>& calls, Random& random) {
+        uint32_t total = 0;
+        for (const Call& call : calls) {
+            total += call.weight;
+        }
+        uint32_t drawn = random.Below(total);
+        auto call = calls.begin();
+        for (; drawn >= call->weight; ++call) {
+            drawn -= call->weight;
+        }
+        return *call;
+    }
+
+    std::vector<std::vector<Call>> m_families;
+};
+
+void PrintSequence(uint32_t seed, const Options& options) {
+    Line("seed " + std::to_string(seed));
+    Sequence sequence;
+    for (uint32_t step = 0; step < options.length; ++step) {
+        if (!options.only || options.only->contains(step)) {
+            sequence.Make(seed, step);
+        }
+    }
+}
+
+void PrintFixed() {
+    for (const Family& family : Families()) {
+        if (family.fixed != nullptr) {
+            Line(std::string("family ") + family.name);
+            family.fixed();
+        }
+    }
+}
+
+uint32_t Number(std::string_view text) {
+    uint32_t number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc() || end != text.data() + text.size()) {
+        throw std::invalid_argument(std::string(text));
+    }
+    return number;
+}
+
+std::set<uint32_t> Numbers(std::string_view text) {
+    std::set<uint32_t> numbers;
+    while (!text.empty()) {
+        const std::string_view number = text.substr(0, text.find(','));
+        numbers.insert(Number(number));
+        text.remove_prefix(std::min(text.size(), number.size() + 1));
+    }
+    return numbers;
+}
+
+void Read(Options* options, std::string_view name, std::string_view value) {
+    if (name == "--seed") {
+        options->first = options->last = Number(value);
+    } else if (name == "--seeds") {
+        const size_t dash = std::min(value.find('-'), value.size());
+        options->first = Number(value.substr(0, dash));
+        options->last = Number(value.substr(std::min(dash + 1, value.size())));
+    } else if (name == "--length") {
+        options->length = Number(value);
+    } else if (name == "--only") {
+        options->only = Numbers(value);
+    } else if (name == "--component") {
+        componentLibrary = Widen(value);
+    } else {
+        throw std::invalid_argument(std::string(name));
+    }
+}
+
+Options ReadOptions(int count, char** arguments) {
+    Options options;
+    for (int index = 1; index < count; ++index) {
+        const std::string_view name = arguments[index];
+        if (name == "--fixed") {
+            options.fixed = true;
+        } else {
+            Read(&options, name, ++index < count ? arguments[index] : "");
+        }
+    }
+    return options;
+}
+
+}  // namespace
+
+int main(int count, char** arguments) try {
+    const Options options = ReadOptions(count, arguments);
+    if (options.fixed) {
+        PrintFixed();
+    }
+    for (uint32_t seed = options.first; seed <= options.last; ++seed) {
+        PrintSequence(seed, options);
+    }
+    return 0;
+} catch (const std::exception& failure) {
+    std::fprintf(stderr, "transcript: %s\n", failure.what());
+    return 2;
+}

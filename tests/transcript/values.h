@@ -1,0 +1,101 @@
+// Arguments that calls draw, and buffers that show every unit written.
+#ifndef TESTS_TRANSCRIPT_VALUES_H
+#define TESTS_TRANSCRIPT_VALUES_H
+
+#include <qxcore/base.h>
+
+#include <string>
+#include <vector>
+
+#include "transcript/line.h"
+#include "transcript/random.h"
+
+// Text without a zero unit: ASCII, well-formed and ill-formed text in all languages. Narrow text is
+// UTF-8 where it is well formed.
+std::string NarrowText(Random& random);
+std::u16string WideText(Random& random);
+
+// Text in ASCII.
+std::string PlainText(Random& random);
+
+// The same text, or one that differs from it in something small.
+template <typename Unit>
+std::basic_string<Unit> Variation(Random& random, std::basic_string<Unit> text) {
+    switch (text.empty() ? 0 : random.Below(6)) {
+        case 0:
+            return text + static_cast<Unit>(random.Between('A', 'z'));
+        case 1:
+            text.pop_back();
+            return text;
+        case 2:
+            text[random.Below(text.size())] ^= 0x20;
+            break;
+        case 3:
+            text[random.Below(text.size())] = static_cast<Unit>(random.Between(1, 0xFF));
+            break;
+        case 4:
+            text[random.Below(text.size())] += static_cast<Unit>(1);
+            break;
+        default:
+            break;
+    }
+    // A change may have made a terminator.
+    return text.c_str();
+}
+
+// The text of a number in front of something else, or nearly one.
+std::string NumberText(Random& random);
+
+uint32_t AnyCodePoint(Random& random);
+
+// A number from the ends of the range, or any.
+template <typename Number>
+Number AnyNumber(Random& random) {
+    constexpr uint64_t kSignBit = uint64_t{1} << (8 * sizeof(Number) - 1);
+    const uint64_t number = random.Next();
+    switch (random.Below(4)) {
+        case 0:
+            return static_cast<Number>(number % 100);
+        case 1:
+            return static_cast<Number>(~(number % 3));
+        case 2:
+            return static_cast<Number>(kSignBit + number % 3 - 1);
+        default:
+            return static_cast<Number>(number);
+    }
+}
+
+std::u16string Widen(std::string_view text);
+
+template <typename Unit>
+std::basic_string<Unit> Text(Random& random) {
+    if constexpr (sizeof(Unit) == 1) {
+        return NarrowText(random);
+    } else {
+        return WideText(random);
+    }
+}
+
+// Room for some units with a margin behind it; all of it is printed.
+template <typename Unit>
+class Buffer {
+  public:
+    static constexpr Unit kUntouched = '~';
+
+    explicit Buffer(size_t size, const std::basic_string<Unit>& content = {})
+        : m_units(size + kMargin, kUntouched) {
+        if (!content.empty()) {
+            std::copy(content.begin(), content.end(), m_units.begin());
+        }
+    }
+    Unit* Begin() { return m_units.data(); }
+    size_t Size() const { return m_units.size() - kMargin; }
+    std::basic_string_view<Unit> Content() const { return {m_units.data(), m_units.size()}; }
+
+  private:
+    static constexpr size_t kMargin = 3;
+
+    std::vector<Unit> m_units;
+};
+
+#endif
