@@ -6,6 +6,8 @@
 #include <qxcore/registry.h>
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -19,6 +21,59 @@ inline std::string NarrowEncodingIsTheSystems(std::string text) {
         unit = unit != 0 ? unit : '?';
     }
     return text;
+}
+
+// Units from 0x80 up have the case that the system's code page gives them. These have none in any.
+inline std::string NarrowCaseIsTheSystems(std::string text) {
+    for (char& unit : text) {
+        if ((unit & 0x80) != 0) {
+            unit = static_cast<char>(0xA1 | (unit & 0x1E));
+        }
+    }
+    return text;
+}
+
+// A mapped unit from 0x80 up is a negative number on Linux, and positive where the runtime says so.
+inline uint32_t MappedUnitHasAnySign(int32_t mapped) {
+    return static_cast<uint8_t>(mapped);
+}
+
+// Classes and cases beyond ASCII come from the C runtime's tables, which do not agree on all units.
+inline bool WideClassIsTheRuntimes(uint32_t unit) {
+    struct Range {
+        uint32_t first;
+        uint32_t last;
+    };
+    constexpr Range kAgreed[] = {{0, 0x7F},        {0xC0, 0xDE},     {0xE0, 0xFE},
+                                 {0x391, 0x3A1},   {0x3B1, 0x3C1},   {0x410, 0x44F},
+                                 {0x3041, 0x3093}, {0x4E00, 0x9FA5}, {0xD800, 0xDFFF}};
+    return std::none_of(std::begin(kAgreed), std::end(kAgreed), [unit](const Range& range) {
+        return range.first <= unit && unit <= range.last;
+    });
+}
+
+inline std::u16string WideCaseIsTheRuntimes(std::u16string text) {
+    constexpr uint32_t kCyrillicLetters = 64;
+    for (char16_t& unit : text) {
+        if (WideClassIsTheRuntimes(unit)) {
+            unit = static_cast<char16_t>(0x410 + unit % kCyrillicLetters);
+        }
+    }
+    return text;
+}
+
+// What is no number has any bits beside those that say so, and zero has either sign where there is
+// nothing but a sign.
+inline double NoNumberHasAnyBits(double number) {
+    return std::isnan(number) ? std::numeric_limits<double>::quiet_NaN() : number;
+}
+inline double ZeroOfNothingHasAnySign(double number, bool nothing) {
+    return nothing && number == 0 ? 0 : number;
+}
+
+// Whether an inexact number below the normal range is an error is the C library's decision.
+inline int UnderflowMayBeNoError(double number, int error) {
+    return std::fpclassify(number) == FP_SUBNORMAL ? 0 : error;
 }
 
 // The user's locale has the platform's own name ("en_US_POSIX" has none on the reference platform).
@@ -47,6 +102,11 @@ inline std::vector<char16_t> UncountedTerminatorIsStored(const std::u16string& d
     guarded.push_back(u'~');
     return guarded;
 }
+
+// Wine takes keys whose name is one unit longer than the limit, and does not find values with such
+// names where others refuse the name.
+inline constexpr size_t kLongestKeyName = 255;
+inline constexpr size_t kLongestValueName = 16383;
 
 // Wine lists values by name, and not in the order in which they were first set.
 template <typename Values>

@@ -30,18 +30,13 @@ QXResult SetDefaultValue(const std::u16string& key, const std::u16string& text) 
 // Registered classes and objects of them.
 class Classes {
   public:
-    Classes() = default;
+    Classes() { UnregisterAll(); }
     ~Classes() {
         for (ITally* const object : m_objects) {
             object->Release();
         }
         QXComFlushFactoryCache();
-        for (const GUID& classID : {kTallyClass, kMissingClass}) {
-            QXRegistryDeleteKey(QX_HKEY_CLASSES_64, ClassKey(classID).c_str());
-        }
-        for (const wchar* const program : kPrograms) {
-            QXRegistryDeleteKey(QX_HKEY_CLASSES_64, program);
-        }
+        UnregisterAll();
     }
     Classes(const Classes&) = delete;
     Classes& operator=(const Classes&) = delete;
@@ -135,6 +130,16 @@ class Classes {
     }
 
   private:
+    // Also what a sequence that did not come to its end has left.
+    static void UnregisterAll() {
+        for (const GUID& classID : {kTallyClass, kMissingClass}) {
+            QXRegistryDeleteKey(QX_HKEY_CLASSES_64, ClassKey(classID).c_str());
+        }
+        for (const wchar* const program : kPrograms) {
+            QXRegistryDeleteKey(QX_HKEY_CLASSES_64, program);
+        }
+    }
+
     static GUID AnyClass(Random& random, Line& line) {
         const bool isTally = !random.OneIn(4);
         line.Add("class", isTally ? "tally" : "missing");

@@ -52,7 +52,7 @@ class Blocks {
     QXResult (*m_release)(void*);
 };
 
-constexpr size_t kTooMuch = SIZE_MAX / 4;
+constexpr size_t kTooMuch = SIZE_MAX / 16;
 
 // What a block's size became: known bytes from there on.
 void Fill(Block* block, size_t size) {

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 
+#include "transcript/allowances.h"
 #include "transcript/call_lists.h"
 #include "transcript/values.h"
 
@@ -94,10 +95,11 @@ MakeCall ReadFloat(double (*read)(const Unit*, Unit**)) {
         const std::basic_string<Unit> text(narrow.begin(), narrow.end());
         Unit* end = nullptr;
         errno = 0;
-        const double number = read(text.c_str(), &end);
-        const int error = errno;
-        line.Add("text", text).Add("->", number).Add("errno", error);
-        line.Place("end", const_cast<const Unit*>(end), text.c_str());
+        const double number = allowance::NoNumberHasAnyBits(read(text.c_str(), &end));
+        const int error = allowance::UnderflowMayBeNoError(number, errno);
+        const bool nothing = end == text.c_str();
+        line.Add("text", text).Add("->", allowance::ZeroOfNothingHasAnySign(number, nothing));
+        line.Add("errno", error).Place("end", const_cast<const Unit*>(end), text.c_str());
     };
 }
 

@@ -25,9 +25,6 @@ constexpr const wchar* kNames[] = {u"",       u"v",      u"V",        u"w",     
                                    u"\u00C9", u"a\\b",   u"%NAME%",   u"\U00010400", u"\u1E9E",
                                    u"\u00FF", u"\u0178", u"no value", u" ",          u"\u01C5"};
 
-constexpr size_t kLongestKeyName = 255;
-constexpr size_t kLongestValueName = 16383;
-
 struct Target {
     int32_t root;
     std::u16string path;
@@ -37,12 +34,13 @@ struct Target {
 };
 
 std::u16string AnyPath(Random& random) {
-    return random.OneIn(30) ? u'\\' + std::u16string(kLongestKeyName + random.Below(2), u'k')
-                            : random.Of(kPaths);
+    return random.OneIn(30)
+               ? u'\\' + std::u16string(allowance::kLongestKeyName - random.Below(2), u'k')
+               : random.Of(kPaths);
 }
 
 std::u16string AnyName(Random& random) {
-    return random.OneIn(40) ? std::u16string(kLongestValueName + random.Below(2), u'n')
+    return random.OneIn(40) ? std::u16string(allowance::kLongestValueName - random.Below(2), u'n')
                             : random.Of(kNames);
 }
 
@@ -91,7 +89,7 @@ struct Value {
 std::vector<Value> ReadValues(QXHandle enumeration, Line& line) {
     std::vector<Value> values;
     for (;;) {
-        std::u16string name(kLongestValueName + 1, u'\0');
+        std::u16string name(allowance::kLongestValueName + 1, u'\0');
         auto nameLength = static_cast<uint32_t>(name.size());
         std::string data(2000, '\0');
         auto length = static_cast<uint32_t>(data.size());
@@ -109,16 +107,10 @@ std::vector<Value> ReadValues(QXHandle enumeration, Line& line) {
 // Keys and values, and one enumeration of keys that lives through other calls.
 class Keys {
   public:
-    Keys() = default;
+    Keys() { RemoveTrees(); }
     ~Keys() {
         QXRegistryCloseEnum(m_enumeration);
-        // Names of the greatest length stop the deletion of their siblings.
-        const std::u16string longest = u'\\' + std::u16string(kLongestKeyName, u'k');
-        for (const int32_t root : kRoots) {
-            const std::u16string tree = allowance::RootsAreMergedViews(root);
-            QXRegistryDeleteKey(root, (tree + longest).c_str());
-            QXRegistryDeleteKey(root, tree.c_str());
-        }
+        RemoveTrees();
     }
     Keys(const Keys&) = delete;
     Keys& operator=(const Keys&) = delete;
@@ -190,7 +182,7 @@ class Keys {
 
     void ListKeys(Random& random, Line& line) {
         QXHandle enumeration = OpenParent(random, line);
-        wchar name[kLongestKeyName + 1];
+        wchar name[allowance::kLongestKeyName + 1];
         uint32_t length = std::size(name);
         while (enumeration != nullptr &&
                QX_SUCCEEDED(QXRegistryEnumNextKey(enumeration, name, &length))) {
@@ -209,7 +201,7 @@ class Keys {
         if (m_enumeration == nullptr) {
             return;
         }
-        wchar name[kLongestKeyName + 1] = {};
+        wchar name[allowance::kLongestKeyName + 1] = {};
         uint32_t length = random.OneIn(3) ? random.Below(4) : std::size(name);
         line.Add("capacity", length);
         const QXResult result = QXRegistryEnumNextKey(m_enumeration, name, &length);
@@ -227,6 +219,17 @@ class Keys {
 
   private:
     static constexpr uint32_t kRoom = 2000;
+
+    // Also what a sequence that did not come to its end has left.
+    static void RemoveTrees() {
+        // Names of the greatest length stop the deletion of their siblings.
+        const std::u16string longest = u'\\' + std::u16string(allowance::kLongestKeyName, u'k');
+        for (const int32_t root : kRoots) {
+            const std::u16string tree = allowance::RootsAreMergedViews(root);
+            QXRegistryDeleteKey(root, (tree + longest).c_str());
+            QXRegistryDeleteKey(root, tree.c_str());
+        }
+    }
 
     // As a rule one that was written to before, or that differs from it in one thing.
     Target Any(Random& random, Line& line) {

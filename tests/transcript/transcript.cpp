@@ -136,11 +136,12 @@ Options ReadOptions(int count, char** arguments) {
 
 int main(int count, char** arguments) try {
     const Options options = ReadOptions(count, arguments);
-    if (options.fixed) {
-        PrintFixed();
-    }
     for (uint32_t seed = options.first; seed <= options.last; ++seed) {
         PrintSequence(seed, options);
+    }
+    // Last, since it makes the default encoding known to the process.
+    if (options.fixed) {
+        PrintFixed();
     }
     return 0;
 } catch (const std::exception& failure) {
