@@ -103,10 +103,52 @@ inline std::vector<char16_t> UncountedTerminatorIsStored(const std::u16string& d
     return guarded;
 }
 
+// Wine takes the text between a single percent sign and the next reference for a name, and leaves
+// the reference as it is.
+inline std::u16string SinglePercentSignHidesReference(std::u16string text) {
+    std::replace(text.begin(), text.end(), u'%', u'_');
+    return text;
+}
+
 // Wine takes keys whose name is one unit longer than the limit, and does not find values with such
 // names where others refuse the name.
 inline constexpr size_t kLongestKeyName = 255;
 inline constexpr size_t kLongestValueName = 16383;
+
+// Wine lists keys in the order of their lower case, others in that of their upper case. These stand
+// in one order by either.
+inline constexpr const wchar* kKeysInOneOrderByEitherCase[] = {u"",
+                                                               u"\\a",
+                                                               u"\\A",
+                                                               u"\\b",
+                                                               u"\\a\\b",
+                                                               u"\\A\\B\\c",
+                                                               u"\\a\\b\\C\\d",
+                                                               u"\\b_",
+                                                               u"\\B1",
+                                                               u"\\a\\",
+                                                               u"\\a\\\\b",
+                                                               u"\\x/y",
+                                                               u"\\ ",
+                                                               u"\\.",
+                                                               u"\\\u00E4",
+                                                               u"\\\u00C4",
+                                                               u"\\i",
+                                                               u"\\I",
+                                                               u"\\\u0131",
+                                                               u"\\\u0130",
+                                                               u"\\\u03C3",
+                                                               u"\\\u03A3",
+                                                               u"\\\u0436",
+                                                               u"\\\u0416",
+                                                               u"\\\U00010400",
+                                                               u"\\\U00010428",
+                                                               u"\\no such key"};
+
+// An enumeration goes on behind the last name on Linux and at the next place elsewhere, so that a
+// key that is made or deleted meanwhile may show a name twice or hide one. So it ends with each
+// change.
+inline constexpr bool kChangesMoveEnumerations = true;
 
 // Wine lists values by name, and not in the order in which they were first set.
 template <typename Values>

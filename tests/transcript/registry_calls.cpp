@@ -13,17 +13,10 @@ namespace {
 constexpr int32_t kRoots[] = {QX_HKEY_CLASSES, QX_HKEY_CONFIG, QX_HKEY_USER, QX_HKEY_CLASSES_64,
                               QX_HKEY_CONFIG_64};
 
-constexpr const wchar* kPaths[] = {u"",         u"\\a",          u"\\A",          u"\\b",
-                                   u"\\a\\b",   u"\\A\\B\\c",    u"\\a\\b\\C\\d", u"\\b_",
-                                   u"\\B1",     u"\\a\\",        u"\\a\\\\b",     u"\\x/y",
-                                   u"\\ ",      u"\\.",          u"\\\u00E4",     u"\\\u00C4",
-                                   u"\\\u00DF", u"\\i",          u"\\I",          u"\\\u0131",
-                                   u"\\\u0130", u"\\\u03C3",     u"\\\u03C2",     u"\\\u0436",
-                                   u"\\\u0416", u"\\\U00010400", u"\\\U00010428", u"\\no such key"};
-
-constexpr const wchar* kNames[] = {u"",       u"v",      u"V",        u"w",          u"\u00E9",
-                                   u"\u00C9", u"a\\b",   u"%NAME%",   u"\U00010400", u"\u1E9E",
-                                   u"\u00FF", u"\u0178", u"no value", u" ",          u"\u01C5"};
+constexpr const wchar* kNames[] = {
+    u"",       u"v",          u"V",      u"w",      u"\u00E9",   u"\u00C9", u"a\\b",
+    u"%NAME%", u"\U00010400", u"\u1E9E", u"\u00FF", u"\u0178",   u"\u03C2", u"\u03A3",
+    u"\u03C3", u"\u0131",     u"I",      u"\u00DF", u"no value", u" ",      u"\u01C5"};
 
 struct Target {
     int32_t root;
@@ -36,7 +29,7 @@ struct Target {
 std::u16string AnyPath(Random& random) {
     return random.OneIn(30)
                ? u'\\' + std::u16string(allowance::kLongestKeyName - random.Below(2), u'k')
-               : random.Of(kPaths);
+               : random.Of(allowance::kKeysInOneOrderByEitherCase);
 }
 
 std::u16string AnyName(Random& random) {
@@ -62,12 +55,15 @@ void Show(const char* what, const std::u16string& name, Line& line) {
 
 // Text as a value holds it, with its terminators or without, and any bytes.
 std::u16string AnyData(Random& random, uint32_t type) {
-    constexpr const wchar* kReferences[] = {
-        u"%QX_TRANSCRIPT%", u"%NO_SUCH_NAME%",         u"%", u"%%",
-        u"%QX_TRANSCRIPT",  u"100 % %QX_TRANSCRIPT% %"};
+    constexpr const wchar* kReferences[] = {u"%QX_TRANSCRIPT%",
+                                            u"%NO_SUCH_NAME%",
+                                            u"%",
+                                            u"%%",
+                                            u"%QX_TRANSCRIPT",
+                                            u"%QX_TRANSCRIPT% and %QX_TRANSCRIPT%"};
     std::u16string data = WideText(random);
     if (type == QX_REG_EXPAND_STRING) {
-        data += random.Of(kReferences);
+        data = allowance::SinglePercentSignHidesReference(data) + random.Of(kReferences);
     }
     if (type == QX_REG_MULTI_STRING) {
         data += u'\0' + WideText(random) + u'\0';
@@ -131,6 +127,7 @@ class Keys {
                                        type, allowance::UncountedTerminatorIsStored(data).data(),
                                        length));
         m_recent.push_back(target);
+        EndAfterChange();
     }
 
     void GetValue(Random& random, Line& line) {
@@ -162,6 +159,7 @@ class Keys {
     void DeleteKey(Random& random, Line& line) {
         const Target target = Any(random, line);
         line.Result(QXRegistryDeleteKey(target.root, target.FullPath().c_str()));
+        EndAfterChange();
     }
 
     void ListValues(Random& random, Line& line) {
@@ -231,6 +229,13 @@ class Keys {
         }
     }
 
+    void EndAfterChange() {
+        if (allowance::kChangesMoveEnumerations) {
+            QXRegistryCloseEnum(m_enumeration);
+            m_enumeration = nullptr;
+        }
+    }
+
     // As a rule one that was written to before, or that differs from it in one thing.
     Target Any(Random& random, Line& line) {
         Target target = {AnyRoot(random), AnyPath(random), AnyName(random)};
@@ -274,8 +279,8 @@ std::vector<Call> RegistryCalls() {
         {"QXRegistryDeleteKey", Member(keys, &Keys::DeleteKey)},
         {"QXRegistryOpenValueEnum", Member(keys, &Keys::ListValues)},
         {"list all keys", Member(keys, &Keys::ListKeys)},
-        {"QXRegistryOpenKeyEnum", Member(keys, &Keys::Open), 2},
-        {"QXRegistryEnumNextKey", Member(keys, &Keys::Next), 3},
+        {"QXRegistryOpenKeyEnum", Member(keys, &Keys::Open), 3},
+        {"QXRegistryEnumNextKey", Member(keys, &Keys::Next), 4},
         {"QXRegistryCloseEnum", Member(keys, &Keys::Close)},
     };
 }

@@ -7,13 +7,15 @@ namespace {
 
 constexpr char16_t kSeparator = u'\\';
 
-// By the character tables of ICU, without a locale. A fold that leaves the 16 bits is none.
+// By the character tables of ICU, without a locale. A fold that leaves the 16 bits is none, and as
+// on the reference platform only a letter that is the lower case of its upper case folds: a dotless
+// i is no i.
 char16_t FoldUnit(char16_t unit) noexcept {
     if (unit < 0x80) {
         return unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - 0x20) : unit;
     }
     const UChar32 folded = u_toupper(unit);
-    return folded < 0x10000 ? static_cast<char16_t>(folded) : unit;
+    return folded < 0x10000 && u_tolower(folded) == unit ? static_cast<char16_t>(folded) : unit;
 }
 
 void AppendUnit(std::string& stored, char16_t unit) {
