@@ -168,8 +168,9 @@ TEST_F(Registry, ExpansionKeepsToTheBuffer) {
 
 TEST_F(Registry, NamesMayHoldAnyUnit) {
     const char16_t* const names[] = {
-        u"a", u"ab",           u"a/b",    u"%",       u"_",      u"a'b\"c", u"*?[]",   u";--",
-        u" ", u"\u00E4\u0436", u"\xD800", u"\xDC00x", u"\u00DF", u"\u0131", u"\xFFFF",
+        u"a",      u"ab",     u"a/b",          u"%",      u"_",       u"a'b\"c", u"*?[]",
+        u";--",    u" ",      u"\u00E4\u0436", u"\xD800", u"\xDC00x", u"\u00DF", u"i",
+        u"\u0131", u"\u03C3", u"\u03C2",       u"\xFFFF",
     };
     for (const char16_t* name : names) {
         ASSERT_EQ(SetText(name, name, name), 0);

@@ -1,8 +1,8 @@
 // Runs sequences of calls of the exported interface and prints each call with its arguments and
 // everything that it gives. The text is the same on every platform.
-//   transcript [--component LIBRARY] [--length N] --seeds FIRST-LAST
-//   transcript [--component LIBRARY] [--length N] --seed N [--only STEP,STEP...]
-//   transcript --fixed
+//   print_transcript [--component LIBRARY] [--length N] --seeds FIRST-LAST
+//   print_transcript [--component LIBRARY] [--length N] --seed N [--only STEP,STEP...]
+//   print_transcript --fixed
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
@@ -145,6 +145,6 @@ int main(int count, char** arguments) try {
     }
     return 0;
 } catch (const std::exception& failure) {
-    std::fprintf(stderr, "transcript: %s\n", failure.what());
+    std::fprintf(stderr, "print_transcript: %s\n", failure.what());
     return 2;
 }
