@@ -42,7 +42,20 @@ static int32_t TallyAdd(ITally* self, int32_t number) {
     return ((Tally*)self)->total += number;
 }
 
-static const ITallyTable kTallyTable = {TallyQueryInterface, TallyAddRef, TallyRelease, TallyAdd};
+static uint32_t s_made = 0;
+
+static uint32_t TallyMade(ITally* self) {
+    (void)self;
+    return s_made;
+}
+
+static const char* TallyMark(ITally* self) {
+    (void)self;
+    return QXUtf8BomStr;
+}
+
+static const ITallyTable kTallyTable = {TallyQueryInterface, TallyAddRef, TallyRelease, TallyAdd,
+                                        TallyMade,           TallyMark};
 
 /* The one factory, which nobody owns. */
 
@@ -79,6 +92,7 @@ static QXResult FactoryCreateInstance(IQXClassFactory* self, void* outer, const 
     Tally* const tally = (Tally*)block;
     tally->base.table = &kTallyTable;
     tally->references = 1;
+    ++s_made;
     outcome = TallyQueryInterface(&tally->base, interfaceID, result);
     TallyRelease(&tally->base);
     return outcome;

@@ -17,6 +17,12 @@ class ITally : public IQXUnknown {
     /* Adds a number. Returns the total. */
     virtual int32_t Add(int32_t number) = 0;
 
+    /* Tells how many objects were made since the library was loaded. */
+    virtual uint32_t Made() = 0;
+
+    /* Tells what QXUtf8BomStr points to, as the library sees it. */
+    virtual const char* Mark() = 0;
+
   protected:
     ~ITally() = default;
 };
@@ -29,6 +35,8 @@ typedef struct ITallyTable {
     uint32_t (*AddRef)(ITally* self);
     uint32_t (*Release)(ITally* self);
     int32_t (*Add)(ITally* self, int32_t number);
+    uint32_t (*Made)(ITally* self);
+    const char* (*Mark)(ITally* self);
 } ITallyTable;
 struct ITally {
     const ITallyTable* table;

@@ -1,0 +1,86 @@
+// A program in C++ that uses the installed library and a component library, as a module that has
+// marked itself initialised and finds the class by its program id.
+//   cpp_client COMPONENT_LIBRARY
+#include <cstring>
+#include <string>
+
+#include "expect.h"
+#include "tally.h"
+
+namespace {
+
+constexpr char16_t kProgram[] = u"Client.Tally";
+
+std::u16string Wide(const char* text) {
+    std::u16string wide(QXAnsiToUnicode(nullptr, text, 0), u'\0');
+    QXAnsiToUnicode(wide.data(), text, wide.size());
+    return wide;
+}
+
+std::u16string ClassText() {
+    wchar text[QX_GUID_TEXT_SIZE];
+    QXComStringFromGUID(&kTallyClass, text, QX_GUID_TEXT_SIZE);
+    return text;
+}
+
+QXResult SetDefaultValue(const std::u16string& key, const std::u16string& text) {
+    return QXRegistrySetValue(QX_HKEY_CLASSES_64, key.c_str(), u"", QX_REG_STRING, text.c_str(),
+                              static_cast<uint32_t>(2 * text.size() + 2));
+}
+
+ITally* MakeTally() {
+    void* object = nullptr;
+    EXPECT(QXComCreateObjectByProgID(kProgram, nullptr, &kTallyInterface, &object) == QX_S_OK);
+    return static_cast<ITally*>(object);
+}
+
+// The library, the component and this program share the one variable.
+void UseObject(const char* mark) {
+    QXUtf8BomStr = mark;
+    if (ITally* const tally = MakeTally()) {
+        EXPECT(tally->Add(40) == 40);
+        EXPECT(tally->Add(2) == 42);
+        EXPECT(tally->Made() == 1);
+        EXPECT(std::strcmp(tally->Mark(), mark) == 0);
+        EXPECT(tally->Release() == 0);
+    }
+    EXPECT(QXIsUtf8BomStr(mark) == 1);
+}
+
+// The component library by its name, without the component model.
+void LoadAsModule(const std::u16string& path) {
+    const QXModuleToken token = &failures;
+    QXHandle library = nullptr;
+    EXPECT(QXModuleLibOpen(token, path.c_str(), &library) == QX_E_NOTINITIALIZED);
+    EXPECT(QXModuleSetInitialized(token, 1) == QX_S_OK);
+    EXPECT(QXModuleLibOpen(token, path.c_str(), &library) == QX_S_OK);
+    void* symbol = nullptr;
+    EXPECT(QXLibGetSymbol(library, u"DllGetClassObject", &symbol) == QX_S_OK);
+    void* factory = nullptr;
+    if (symbol != nullptr) {
+        const auto getClassObject = reinterpret_cast<QXGetClassObjectFunction>(symbol);
+        EXPECT(getClassObject(&kTallyClass, &QX_IID_CLASS_FACTORY, &factory) == QX_S_OK);
+    }
+    EXPECT(QXModuleLibClose(token, library) == QX_S_OK);
+    EXPECT(QXModuleSetInitialized(token, 0) == QX_S_OK);
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+    if (count != 2) {
+        return 2;
+    }
+    const std::u16string path = Wide(arguments[1]);
+    const std::u16string key = u"CLSID\\" + ClassText();
+    EXPECT(SetDefaultValue(key + u"\\InprocServer32", path) == QX_S_OK);
+    EXPECT(SetDefaultValue(std::u16string(kProgram) + u"\\CLSID", ClassText()) == QX_S_OK);
+    for (const char* const mark : {"\xEF\xBB\xBF", "another mark"}) {
+        UseObject(mark);
+        EXPECT(QXComFlushFactoryCache() == QX_S_OK);  // unloads the component library
+    }
+    LoadAsModule(path);
+    EXPECT(QXRegistryDeleteKey(QX_HKEY_CLASSES_64, key.c_str()) == 0);
+    EXPECT(QXRegistryDeleteKey(QX_HKEY_CLASSES_64, kProgram) == 0);
+    return failures != 0;
+}
