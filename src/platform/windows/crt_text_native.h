@@ -18,10 +18,6 @@ inline char16_t* FromNative(WCHAR* text) noexcept {
     return reinterpret_cast<char16_t*>(text);
 }
 
-inline WCHAR** NativeEnd(char16_t** end) noexcept {
-    return reinterpret_cast<WCHAR**>(end);
-}
-
 inline int _stricmp(const char* first, const char* second) noexcept {
     return ::_stricmp(first, second);
 }
@@ -92,10 +88,6 @@ inline int iswdigit(char16_t unit) noexcept {
 
 inline int iswspace(char16_t unit) noexcept {
     return ::iswspace(unit);
-}
-
-inline double wcstod(const char16_t* text, char16_t** end) noexcept {
-    return ::wcstod(Native(text), NativeEnd(end));
 }
 
 inline int _vsnwprintf(char16_t* buffer, std::size_t size, const char16_t* format,
