@@ -12,17 +12,21 @@ std::vector<Call> MemoryCalls();
 std::vector<Call> ModuleCalls();
 std::vector<Call> MutexCalls();
 std::vector<Call> NumberCalls();
+std::vector<Call> OptionCalls();
 std::vector<Call> RegistryCalls();
 std::vector<Call> TextCaseCalls();
 std::vector<Call> TextCompareCalls();
 std::vector<Call> TextCopyCalls();
 std::vector<Call> TextSearchCalls();
+std::vector<Call> TimeCalls();
 std::vector<Call> TransformCalls();
+std::vector<Call> WaitingCalls();
 std::vector<Call> WordCalls();
 
 void PrintConverters();
 void PrintIdentifiers();
 void PrintTextCase();
+void PrintTime();
 void PrintWords();
 
 #endif

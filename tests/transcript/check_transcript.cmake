@@ -2,6 +2,7 @@
 #   cmake -DPROGRAM=<program, in front of it what runs it> -DARGUMENTS=<argument>...
 #     -DCOMPONENT=<library> -DDIRECTORY=<scratch> -DRUNS=<number> -P check_transcript.cmake
 set(ENV{QX_TRANSCRIPT} word)
+set(ENV{TZ} UTC)
 foreach(run RANGE 1 ${RUNS})
   file(REMOVE_RECURSE ${DIRECTORY})
   file(MAKE_DIRECTORY ${DIRECTORY})

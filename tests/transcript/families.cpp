@@ -13,12 +13,15 @@ constexpr Family kFamilies[] = {
     {"modules", ModuleCalls, nullptr},
     {"mutexes", MutexCalls, nullptr},
     {"numbers", NumberCalls, nullptr},
+    {"options", OptionCalls, nullptr},
     {"registry", RegistryCalls, nullptr},
     {"text case", TextCaseCalls, PrintTextCase},
     {"text comparing", TextCompareCalls, nullptr},
     {"text copying", TextCopyCalls, nullptr},
     {"text searching", TextSearchCalls, nullptr},
+    {"time", TimeCalls, PrintTime},
     {"transforms", TransformCalls, nullptr},
+    {"waiting", WaitingCalls, nullptr},
     {"words", WordCalls, PrintWords},
 };
 
