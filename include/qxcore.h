@@ -26,7 +26,12 @@
 #include <qxcore/registry.h>
 #include <qxcore/result.h>
 #include <qxcore/rwlock.h>
+#include <qxcore/named_semaphore.h>
+#include <qxcore/registry.h>
+#include <qxcore/result.h>
+#include <qxcore/security.h>
 #include <qxcore/semaphore.h>
+#include <qxcore/shared_mem.h>
 #include <qxcore/string.h>
 #include <qxcore/system.h>
 #include <qxcore/thread.h>

@@ -13,7 +13,9 @@
 #include <qxcore/result.h>
 
 /** Flags of QXSemaphoreCreate. Other bits are kept and have no effect. */
-#define QX_SEMAPHORE_NAMED 0x00000002u /**< shared between processes by name */
+#define QX_SEMAPHORE_NAMED                                 \
+    0x00000002u /**< shared between processes by name: see \
+                     qxcore/named_semaphore.h */
 
 QX_BEGIN_DECLS
 
@@ -26,8 +28,8 @@ QX_BEGIN_DECLS
  * @param flags  QX_SEMAPHORE_ flags, 0 for a semaphore of this process.
  * @param out    receives the handle, or QX_INVALID_HANDLE on failure. The caller owns it until
  *               QXSemaphoreDestroy.
- * @return QX_S_OK; QX_E_FAIL for an initial count above 32767; QX_E_OUTOFMEMORY; QX_E_NOTIMPL for
- *         QX_SEMAPHORE_NAMED, which this version does not offer.
+ * @return QX_S_OK; QX_E_FAIL for an initial count above 32767; QX_E_OUTOFMEMORY;
+ *         with QX_SEMAPHORE_NAMED whatever QXNamedSemOpen returns.
  */
 QX_API QXResult QXSemaphoreCreate(uint32_t initialCount, const char* name, uint32_t flags,
                                   QXHandle* out);

@@ -22,6 +22,11 @@ inline void ThrowIfFailed(QXResult result) {
     }
 }
 
+// The result of a native operation that tells of its success.
+inline QXResult ResultOf(bool succeeded) {
+    return succeeded ? QX_S_OK : QXResultFromNative(platform::GetLastError());
+}
+
 // Throws the calling thread's last error. To be called in the line behind the failing operation.
 [[noreturn]] inline void ThrowLastError() {
     // Before the exception's memory is taken, which may leave a number of its own.

@@ -26,8 +26,12 @@ bool SetEvent(HANDLE event) noexcept;
 
 bool ResetEvent(HANDLE event) noexcept;
 
-// A semaphore of the process's own: `attributes` and `name` are null, `maximumCount` is 32767 or
-// less. Null on failure: 14, and 87 for a count that is negative or above the maximum.
+// A semaphore of the process's own, `attributes` and `name` being null, or the one that all
+// processes share by that name, which the caller uses until he closes the handle; if it was there,
+// `initialCount` has no effect. `maximumCount` is 32767. The wait for a named one has no time-out
+// but 0. Null on failure: 14, and 87 for a count that is negative or above the maximum; with a name
+// also 5, 6 if the name stands for something else, 112 or 1450 if there is no space. With a name it
+// may block while others open the same semaphore.
 HANDLE CreateSemaphoreA(const SECURITY_ATTRIBUTES* attributes, i32 initialCount, i32 maximumCount,
                         const char* name) noexcept;
 

@@ -1,3 +1,4 @@
+#include <qxcore/security.h>
 #include <qxcore/semaphore.h>
 
 #include "core/entry_guard.h"
@@ -7,20 +8,40 @@
 namespace {
 
 constexpr i32 kMaximumCount = 32767;
+constexpr u32 kSemaphoreAllAccess = 0x1F0003;
 
 platform::HANDLE NativeOf(QXHandle semaphore) {
     return static_cast<CQXSemaphoreImpl*>(semaphore)->m_handle;
+}
+
+platform::HANDLE CreateAnonymous(u32 initialCount) {
+    return platform::CreateSemaphoreA(nullptr, static_cast<i32>(initialCount), kMaximumCount,
+                                      nullptr);
+}
+
+// Open to authenticated users only.
+platform::HANDLE CreateNamed(u32 initialCount, const std::string& name) {
+    platform::SECURITY_DESCRIPTOR descriptor;
+    void* list = nullptr;
+    ThrowIfFailed(QXWinBuildRestrictedSD(&descriptor, kSemaphoreAllAccess, &list));
+    platform::SECURITY_ATTRIBUTES attributes;
+    attributes.nLength = sizeof attributes;
+    attributes.lpSecurityDescriptor = &descriptor;
+    attributes.bInheritHandle = 1;
+    const platform::HANDLE semaphore = platform::CreateSemaphoreA(
+        &attributes, static_cast<i32>(initialCount), kMaximumCount, name.c_str());
+    const u32 error = platform::GetLastError();
+    QXWinFreeRestrictedSD(list);
+    platform::SetLastError(error);
+    return semaphore;
 }
 
 }  // namespace
 
 CQXSemaphoreImpl::CQXSemaphoreImpl(u32 initialCount, const char* name, u32 flags)
     : WaitingObject(name, flags) {
-    if ((flags & QX_SEMAPHORE_NAMED) != 0) {
-        throw EQXCoreException(QX_E_NOTIMPL);
-    }
-    m_handle =
-        platform::CreateSemaphoreA(nullptr, static_cast<i32>(initialCount), kMaximumCount, nullptr);
+    m_handle = (flags & QX_SEMAPHORE_NAMED) != 0 ? CreateNamed(initialCount, "SEM:" + m_name)
+                                                 : CreateAnonymous(initialCount);
     if (m_handle == nullptr) {
         ThrowLastError();
     }

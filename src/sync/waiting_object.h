@@ -27,11 +27,6 @@ class WaitingObject {
     const u32 m_flags;
 };
 
-// The result of a native operation that tells of its success.
-inline QXResult ResultOf(bool succeeded) {
-    return succeeded ? QX_S_OK : QXResultFromNative(platform::GetLastError());
-}
-
 // `timeout` is the result for all that is neither a signal nor a failure.
 inline QXResult WaitFor(platform::HANDLE handle, u32 milliseconds, QXResult timeout) {
     switch (platform::WaitForSingleObject(handle, milliseconds)) {

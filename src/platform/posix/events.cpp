@@ -2,6 +2,8 @@
 
 #include <new>
 
+#include "shared/named_semaphore.h"
+
 namespace platform {
 namespace {
 
@@ -19,10 +21,13 @@ HANDLE CreateEventA(const SECURITY_ATTRIBUTES*, bool manualReset, bool, const ch
 }
 
 HANDLE CreateSemaphoreA(const SECURITY_ATTRIBUTES*, i32 initialCount, i32 maximumCount,
-                        const char*) noexcept {
+                        const char* name) noexcept {
     if (initialCount < 0 || initialCount > maximumCount) {
         SetLastError(kErrorInvalidParameter);
         return nullptr;
+    }
+    if (name != nullptr) {
+        return NamedSemaphore::Open(name, static_cast<u32>(initialCount));
     }
     return HandleOf(new (std::nothrow) PrivateSemaphore(static_cast<u32>(initialCount),
                                                         static_cast<u32>(maximumCount)));

@@ -3,9 +3,11 @@
 #include <pthread.h>
 
 #include "calendar_lifetime.h"
+#include "checked_handles.h"
 #include "platform/lifetime.h"
 #include "platform/threads.h"
 #include "registry_lifetime.h"
+#include "shared/view_table.h"
 #include "waiting/wait_queue.h"
 
 namespace platform {
@@ -24,9 +26,13 @@ void BeforeFork() {
     Call(s_beforeFork);
     CloseRegistryStoresForFork();
     HoldCalendarForFork();
+    LockCheckedHandles();
+    LockViews();
 }
 
 void AfterForkInParent() {
+    UnlockViews();
+    UnlockCheckedHandles();
     FreeCalendarAfterFork();
     FreeRegistryStoresAfterFork();
     Call(s_afterFork);

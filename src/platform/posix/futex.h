@@ -35,6 +35,19 @@ inline void FutexWake(std::atomic<std::uint32_t>* word, int count) noexcept {
     ::syscall(SYS_futex, word, FUTEX_WAKE_PRIVATE, count, nullptr, nullptr, 0);
 }
 
+// The same for a word that processes share. True if the caller was woken by SharedFutexWake, and
+// not for any other reason; that wake-up counts as his.
+inline bool SharedFutexWait(std::atomic<std::uint32_t>* word, std::uint32_t expected) noexcept {
+    ErrnoKeeper keepErrno;
+    return ::syscall(SYS_futex, word, FUTEX_WAIT, expected, nullptr, nullptr, 0) == 0;
+}
+
+// Returns how many were woken.
+inline long SharedFutexWake(std::atomic<std::uint32_t>* word, int count) noexcept {
+    ErrnoKeeper keepErrno;
+    return ::syscall(SYS_futex, word, FUTEX_WAKE, count, nullptr, nullptr, 0);
+}
+
 }  // namespace platform
 
 #endif

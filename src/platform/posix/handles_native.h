@@ -1,7 +1,8 @@
-// A handle is the address of an Object.
+// A handle is the address of an Object, or an odd number: see checked_handles.h.
 #ifndef QX_PLATFORM_POSIX_HANDLES_NATIVE_H
 #define QX_PLATFORM_POSIX_HANDLES_NATIVE_H
 
+#include "checked_handles.h"
 #include "waiting/object.h"
 
 namespace platform {
@@ -9,10 +10,14 @@ namespace platform {
 using HANDLE = void*;
 
 inline u32 WaitForSingleObject(HANDLE handle, u32 milliseconds) noexcept {
-    return static_cast<Object*>(handle)->Wait(milliseconds);
+    return IsCheckedHandle(handle) ? WaitForCheckedHandle(handle, milliseconds)
+                                   : static_cast<Object*>(handle)->Wait(milliseconds);
 }
 
 inline bool CloseHandle(HANDLE handle) noexcept {
+    if (handle == nullptr || IsCheckedHandle(handle)) {
+        return CloseCheckedHandle(handle);
+    }
     delete static_cast<Object*>(handle);
     return true;
 }

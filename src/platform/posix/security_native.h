@@ -6,7 +6,34 @@
 
 namespace platform {
 
-struct ACL;
+using PSID = void*;
+
+// An identity: its numbers follow.
+struct SID {
+    u8 Revision;
+    u8 SubAuthorityCount;
+    u8 IdentifierAuthority[6];
+};
+static_assert(sizeof(SID) == 8);
+
+// An access list: its entries follow.
+struct ACL {
+    u8 AclRevision;
+    u8 Sbz1;
+    u16 AclSize;
+    u16 AceCount;
+    u16 Sbz2;
+};
+static_assert(sizeof(ACL) == 8);
+
+// An entry: its identity follows.
+struct ACCESS_ALLOWED_ACE {
+    u8 AceType;
+    u8 AceFlags;
+    u16 AceSize;
+    u32 Mask;
+};
+static_assert(sizeof(ACCESS_ALLOWED_ACE) == 8);
 
 struct SECURITY_DESCRIPTOR {
     u8 Revision;

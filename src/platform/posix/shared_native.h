@@ -1,0 +1,2 @@
+// Mappings: see shared/named_object.h.
+#include "handles_native.h"
