@@ -2,6 +2,7 @@
 #include "core/entry.h"
 
 #include <qxcore/module.h>
+#include <qxcore/mutex.h>
 
 #include "component/module_manager.h"
 #include "core/client_data.h"
@@ -16,12 +17,14 @@ namespace {
 // Kept for debuggers; no code reads it.
 [[gnu::used]] constinit platform::ModuleHandle s_hInstance = nullptr;
 
-// A fork waits until no thread is at the marks: the child would find their lock held by a thread
-// that it does not have, and could not even be unloaded.
-void EnterMarks() {
+// A fork waits until no thread is at the marks or at the thread table: the child would find their
+// locks held by a thread that it does not have, and could not even be unloaded.
+void EnterForFork() {
     CQXGlobalData::m_moduleManager->EnterForFork();
+    QXMutexAcquire(CQXGlobalData::m_clientData->m_threadManager.MapMutex());
 }
-void LeaveMarks() {
+void LeaveAfterFork() {
+    QXMutexRelease(CQXGlobalData::m_clientData->m_threadManager.MapMutex());
     CQXGlobalData::m_moduleManager->LeaveAfterFork();
 }
 
@@ -36,8 +39,8 @@ void Attach(platform::ModuleHandle instance) {
     s_hInstance = instance;
     QXCoreInit();
     SetOwnMark(1);
-    if (CQXGlobalData::m_moduleManager != nullptr) {
-        platform::SetForkGuards(EnterMarks, LeaveMarks);
+    if (CQXGlobalData::m_clientData != nullptr) {
+        platform::SetForkGuards(EnterForFork, LeaveAfterFork);
     }
 }
 

@@ -3,6 +3,7 @@
 #include "platform/errors.h"
 #include "platform/handles.h"
 #include "platform/sync.h"
+#include "platform/threads.h"
 
 namespace platform {
 namespace {
@@ -10,6 +11,10 @@ namespace {
 constinit CRITICAL_SECTION s_lock;
 constinit EntryTable s_table;
 constinit u64 s_lastHandle = 1;
+
+bool IsPseudoHandle(const void* handle) noexcept {
+    return reinterpret_cast<std::intptr_t>(handle) < 0;
+}
 
 u64 KeyOf(const void* handle) noexcept {
     return reinterpret_cast<std::uintptr_t>(handle);
@@ -50,6 +55,9 @@ void CheckedReference::Drop(CheckedObject* object) noexcept {
 }
 
 bool CloseCheckedHandle(const void* handle) noexcept {
+    if (IsPseudoHandle(handle)) {
+        return true;
+    }
     LockCheckedHandles();
     auto* const object = static_cast<CheckedObject*>(s_table.Remove(KeyOf(handle)));
     UnlockCheckedHandles();
@@ -62,6 +70,10 @@ bool CloseCheckedHandle(const void* handle) noexcept {
 }
 
 u32 WaitForCheckedHandle(const void* handle, u32 milliseconds) noexcept {
+    if (handle == kCurrentThread) {
+        Sleep(milliseconds);
+        return kWaitTimeout;
+    }
     const CheckedReference object(handle);
     if (object.Get() == nullptr) {
         SetLastError(kErrorInvalidHandle);

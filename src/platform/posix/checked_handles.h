@@ -1,5 +1,6 @@
 // Handles that are recognised when they have been closed: those of threads and of mappings. They
-// are odd numbers, which no address of an object is, and none is given twice.
+// are odd numbers, which no address of an object is, and none is given twice. The pseudo handles of
+// the current process and thread, which no table knows, are negative.
 #ifndef QX_PLATFORM_POSIX_CHECKED_HANDLES_H
 #define QX_PLATFORM_POSIX_CHECKED_HANDLES_H
 
@@ -19,8 +20,12 @@ class CheckedObject : public Object, public TableEntry {
     std::atomic<u32> m_references{1};
 };
 
+inline void* const kCurrentThread = reinterpret_cast<void*>(std::intptr_t{-2});
+
+// True for null and the pseudo handles too.
 inline bool IsCheckedHandle(const void* handle) noexcept {
-    return (reinterpret_cast<std::uintptr_t>(handle) & 1) != 0;
+    const auto value = reinterpret_cast<std::intptr_t>(handle);
+    return value <= 0 || (value & 1) != 0;
 }
 
 // The object goes with its handle, and at once if no operation is at work on it.

@@ -8,6 +8,7 @@
 #include "platform/threads.h"
 #include "registry_lifetime.h"
 #include "shared/view_table.h"
+#include "thread_object.h"
 #include "waiting/wait_queue.h"
 
 namespace platform {
@@ -42,6 +43,7 @@ void AfterForkInParent() {
 void AfterForkInChild() {
     t_threadId = 0;
     ForgetInheritedWaiters();
+    ForgetInheritedThreads();
     AfterForkInParent();
 }
 

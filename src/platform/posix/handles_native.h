@@ -15,7 +15,7 @@ inline u32 WaitForSingleObject(HANDLE handle, u32 milliseconds) noexcept {
 }
 
 inline bool CloseHandle(HANDLE handle) noexcept {
-    if (handle == nullptr || IsCheckedHandle(handle)) {
+    if (IsCheckedHandle(handle)) {
         return CloseCheckedHandle(handle);
     }
     delete static_cast<Object*>(handle);

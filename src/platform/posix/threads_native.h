@@ -7,7 +7,12 @@
 
 #include "handles_native.h"
 
+#define QX_THREAD_CALL
+
 namespace platform {
+
+using ThreadResult = std::uint32_t;
+using ThreadEntry = ThreadResult (*)(void* argument);
 
 extern constinit thread_local std::uint32_t t_threadId
     [[gnu::tls_model("initial-exec"), gnu::visibility("hidden")]];
@@ -25,7 +30,7 @@ inline std::uint32_t GetKnownThreadId() noexcept {
 }
 
 inline HANDLE GetCurrentThread() noexcept {
-    return reinterpret_cast<HANDLE>(static_cast<std::intptr_t>(-2));
+    return kCurrentThread;
 }
 
 }  // namespace platform
