@@ -153,7 +153,7 @@ TEST(Thread, AnyStackSizeIsRoundedUp) {
     }
 }
 
-TEST(Affinity, IsTheCallingThreadsAndNeverCut) {
+TEST(Affinity, IsTheCallingThreads) {
     std::thread([] {
         const uint64_t none = 0;
         uint64_t all = 0;
@@ -161,15 +161,11 @@ TEST(Affinity, IsTheCallingThreadsAndNeverCut) {
         uint64_t previous = 5;
         EXPECT_EQ(QX_E_FAIL, QXGetSetCpuAffinity(&previous, &none));
         EXPECT_EQ(0u, previous);
-        const uint64_t outside = uint64_t{1} << 63;
         uint64_t one = 1;
         while (QX_FAILED(QXGetSetCpuAffinity(&all, &one))) {
             one <<= 1;
         }
         EXPECT_EQ(one, all & one);
-        EXPECT_EQ(0u, all & outside);
-        const uint64_t mixed = one | outside;
-        EXPECT_EQ(QX_E_FAIL, QXSetCpuAffinity(&mixed));
         EXPECT_EQ(QX_S_OK, QXGetSetCpuAffinity(&previous, &all));
         EXPECT_EQ(one, previous);
         EXPECT_EQ(QX_S_OK, QXGetSetCpuAffinity(&all, &all));

@@ -117,7 +117,7 @@ TEST(ThreadStandIn, ForkedChildStartsThreadsAndHasNoneOfItsParents) {
     EXPECT_EQ(QX_S_OK, QXThreadJoin(busy, nullptr));
 }
 
-TEST(ThreadStandIn, ProcessorsOfTheProcessAreTheLimitOfAffinity) {
+TEST(ThreadStandIn, AffinityBeyondTheProcessesOwnIsRefusedAndNotCut) {
     cpu_set_t whole;
     sched_getaffinity(0, sizeof whole, &whole);
     if (CPU_COUNT(&whole) < 2) {
@@ -130,8 +130,10 @@ TEST(ThreadStandIn, ProcessorsOfTheProcessAreTheLimitOfAffinity) {
         CPU_ZERO(&one);
         CPU_SET(0, &one);
         sched_setaffinity(0, sizeof one, &one);
-        return QXSetCpuAffinity(&second) == QX_E_FAIL && QXSetCpuAffinity(&first) == QX_S_OK ? 0
-                                                                                             : 1;
+        const uint64_t both = 3;
+        const bool refused =
+            QXSetCpuAffinity(&second) == QX_E_FAIL && QXSetCpuAffinity(&both) == QX_E_FAIL;
+        return refused && QXSetCpuAffinity(&first) == QX_S_OK ? 0 : 1;
     });
     EXPECT_EQ(0, child.Wait());
 }
