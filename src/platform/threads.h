@@ -41,7 +41,8 @@ u64 SetThreadAffinityMask(HANDLE thread, u64 mask) noexcept;
 // yields.
 void Sleep(u32 milliseconds) noexcept;
 
-// Stops in the debugger; the thread can go on behind it.
+// Stops in the debugger, in the frame of the function that calls this; the thread can go on behind
+// it.
 void DebugBreak() noexcept;
 
 }  // namespace platform

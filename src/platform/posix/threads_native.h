@@ -33,6 +33,17 @@ inline HANDLE GetCurrentThread() noexcept {
     return kCurrentThread;
 }
 
+[[gnu::always_inline]] inline void DebugBreak() noexcept {
+#if defined(__x86_64__) || defined(__i386__)
+    asm volatile("int3");
+#elif defined(__aarch64__)
+    // The debugger steps over this one; a trap instruction that the compiler makes does not return.
+    asm volatile("brk #0xf000");
+#else
+    __builtin_debugtrap();
+#endif
+}
+
 }  // namespace platform
 
 #endif

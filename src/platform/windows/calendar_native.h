@@ -1,9 +1,8 @@
 #ifndef QX_PLATFORM_WINDOWS_CALENDAR_NATIVE_H
 #define QX_PLATFORM_WINDOWS_CALENDAR_NATIVE_H
 
-#include <time.h>
-
 #include <algorithm>
+#include <ctime>
 
 #include "system_headers.h"
 

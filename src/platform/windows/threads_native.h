@@ -46,7 +46,7 @@ inline void Sleep(u32 milliseconds) noexcept {
 }
 
 inline void DebugBreak() noexcept {
-    ::DebugBreak();
+    __debugbreak();
 }
 
 }  // namespace platform
