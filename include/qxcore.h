@@ -19,6 +19,7 @@
 #include <qxcore/host.h>
 #include <qxcore/line_file.h>
 #include <qxcore/locale.h>
+#include <qxcore/lockstats.h>
 #include <qxcore/memory.h>
 #include <qxcore/module.h>
 #include <qxcore/mutex.h>

@@ -14,7 +14,7 @@
 #define QX_MUTEX_NOSTATS 0x00000010u      /**< exempt from statistics: clears QX_MUTEX_STATS */
 #define QX_MUTEX_SPIN 0x00010000u         /**< spin up to 4000 times before blocking */
 #define QX_MUTEX_NONRECURSIVE 0x00020000u /**< with QX_MUTEX_CHECKED: recursion is an error */
-#define QX_MUTEX_STATS 0x00040000u        /**< measure waits and holds */
+#define QX_MUTEX_STATS 0x00040000u        /**< measure waits and holds: see qxcore/lockstats.h */
 #define QX_MUTEX_CHECKED 0x80000000u      /**< verify owner and depth on each operation */
 
 QX_BEGIN_DECLS
@@ -26,13 +26,14 @@ QX_BEGIN_DECLS
  * @param flags  QX_MUTEX_ flags, 0 for a plain mutex.
  * @param out    receives the handle, or QX_INVALID_HANDLE on failure. The caller owns it until
  *               QXMutexDestroy.
- * @return QX_S_OK; QX_E_OUTOFMEMORY; QX_E_FAIL; QX_E_NOTIMPL for QX_MUTEX_CHECKED and for
- *         QX_MUTEX_STATS without QX_MUTEX_NOSTATS, which this version does not offer.
+ * @return QX_S_OK; QX_E_OUTOFMEMORY; QX_E_FAIL; QX_E_NOTIMPL for QX_MUTEX_CHECKED, which this version
+ *         does not offer.
  */
 QX_API QXResult QXMutexCreate(const char* name, uint32_t flags, QXHandle* out);
 
 /**
- * Gives a mutex up. Nobody may hold it or wait for it.
+ * Gives a mutex up. Nobody may hold it or wait for it. A measured one stays in the reports of
+ * QXDumpLockStats until QXResetLockStats.
  *
  * @param mutex  the handle, which is gone afterwards.
  * @return the number of references that remain, 0 for the usual single owner; the result of the
@@ -46,7 +47,8 @@ QX_API QXResult QXMutexDestroy(QXHandle mutex);
  * Nobody else there: no system call.
  *
  * @param mutex  the handle.
- * @return QX_S_OK.
+ * @return QX_S_OK; QX_E_FAIL, after an alert, if the caller holds it already and it has both
+ *         QX_MUTEX_CHECKED and QX_MUTEX_NONRECURSIVE.
  */
 QX_API QXResult QXMutexAcquire(QXHandle mutex);
 
@@ -54,7 +56,8 @@ QX_API QXResult QXMutexAcquire(QXHandle mutex);
  * Takes a mutex if no other thread holds it.
  *
  * @param mutex  the handle.
- * @return QX_S_OK; QX_E_FAIL if another thread holds it.
+ * @return QX_S_OK; QX_E_FAIL if another thread holds it, and, after an alert, if the caller does
+ * and it has both QX_MUTEX_CHECKED and QX_MUTEX_NONRECURSIVE.
  */
 QX_API QXResult QXMutexTryAcquire(QXHandle mutex);
 
@@ -63,10 +66,12 @@ QX_API QXResult QXMutexTryAcquire(QXHandle mutex);
  *
  * A plain mutex does not look who calls: a release by a thread that does not hold it is neither
  * refused nor reported, and undoes the holder's work. One that nobody holds stays as it is on
- * Linux; the reference platform's lock is spoilt by it.
+ * Linux; the reference platform's lock is spoilt by it. With QX_MUTEX_CHECKED such a release
+ * changes nothing.
  *
  * @param mutex  the handle.
- * @return QX_S_OK.
+ * @return QX_S_OK; QX_E_FAIL, after an alert, if it has QX_MUTEX_CHECKED and the caller does not
+ * hold it, or took it a multiple of 65536 times.
  */
 QX_API QXResult QXMutexRelease(QXHandle mutex);
 
@@ -75,7 +80,8 @@ QX_API QXResult QXMutexRelease(QXHandle mutex);
  *
  * @param mutex      the handle.
  * @param wantOwned  16-bit flag: not 0 to ask for "held by me", 0 for "not held by me".
- * @return not 0 if the assertion holds. A plain mutex keeps no account: it always says 1.
+ * @return not 0 if the assertion holds: `wantOwned` itself for the holder, 1 or 0 for others. A
+ * mutex without QX_MUTEX_CHECKED does not look: it always says 1.
  */
 QX_API int32_t QXMutexAssertOwnership(QXHandle mutex, int16_t wantOwned);
 

@@ -2,12 +2,17 @@
 // their result is returned as it stands.
 #include "core/entry_guard.h"
 #include "core/global_data.h"
+#include "sync/lock_stat_manager.h"
 #include "sync/mutex.h"
 
 namespace {
 
 IMutex* MutexOf(QXHandle handle) {
     return static_cast<IMutex*>(handle);
+}
+
+bool IsMeasured(IMutex* mutex) {
+    return (mutex->GetFlags() & QX_MUTEX_STATS) != 0;
 }
 
 }  // namespace
@@ -22,13 +27,22 @@ QXResult QXMutexCreate(const char* name, uint32_t flags, QXHandle* out) {
         if (QX_FAILED(result)) {
             return result;
         }
+        if (IsMeasured(mutex)) {
+            CQXGlobalData::m_lockStatManager->RecordMutex(kLiveMutex, mutex);
+        }
         *out = mutex;
         return QX_S_OK;
     });
 }
 
 QXResult QXMutexDestroy(QXHandle mutex) {
-    return RunGuarded([&] { return static_cast<QXResult>(DropReference(MutexOf(mutex))); });
+    return RunGuarded([&] {
+        if (IsMeasured(MutexOf(mutex))) {
+            CQXGlobalData::m_lockStatManager->MoveMutex(kRetiredMutex, kLiveMutex, MutexOf(mutex));
+            return QX_S_OK;
+        }
+        return static_cast<QXResult>(DropReference(MutexOf(mutex)));
+    });
 }
 
 QXResult QXMutexAcquire(QXHandle mutex) {

@@ -1,0 +1,272 @@
+// The figures of measured mutexes, and the report on them.
+#include <gtest/gtest.h>
+#include <qxcore.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <regex>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "support/temporary_directory.h"
+
+namespace {
+
+QXHandle NewMutex(const char* name, uint32_t flags = QX_MUTEX_STATS) {
+    QXHandle mutex = nullptr;
+    EXPECT_EQ(QX_S_OK, QXMutexCreate(name, flags, &mutex));
+    return mutex;
+}
+
+QXLockStats StatsOf(QXHandle mutex) {
+    QXLockStats stats;
+    EXPECT_EQ(QX_S_OK, QXGetLockStats(mutex, &stats));
+    return stats;
+}
+
+bool IsAllZero(const QXLockStats& stats) {
+    constexpr QXLockStats kZero{};
+    return std::memcmp(&stats, &kZero, sizeof stats) == 0;
+}
+
+void Hold(QXHandle mutex) {
+    QXMutexAcquire(mutex);
+    QXMutexRelease(mutex);
+}
+
+// Runs for at least so long.
+void Work(std::chrono::microseconds length) {
+    const auto end = std::chrono::steady_clock::now() + length;
+    while (std::chrono::steady_clock::now() < end) {
+    }
+}
+
+TEST(LockStats, RecursionIsCountedAndMeasuredOnce) {
+    const QXHandle mutex = NewMutex("");
+    QXMutexTryAcquire(mutex);
+    QXMutexAcquire(mutex);
+    QXMutexAcquire(mutex);
+    Work(std::chrono::microseconds(300));
+    for (int depth = 3; depth > 0; --depth) {
+        EXPECT_EQ(0, StatsOf(mutex).totalHeldTime);
+        QXMutexRelease(mutex);
+    }
+    const QXLockStats once = StatsOf(mutex);
+    EXPECT_EQ(3, once.acquireCount);
+    EXPECT_EQ(3, once.heldCount);
+    EXPECT_EQ(0, once.totalAcquireTime);  // a try does not wait, nor does who holds it already
+    EXPECT_EQ(0, once.maxAcquireTime);
+    EXPECT_LE(300, once.totalHeldTime);
+    EXPECT_EQ(once.totalHeldTime, once.maxHeldTime);
+    Hold(mutex);
+    EXPECT_EQ(once.maxHeldTime, StatsOf(mutex).maxHeldTime);
+    EXPECT_LE(once.totalHeldTime, StatsOf(mutex).totalHeldTime);
+    QXMutexDestroy(mutex);
+    QXResetLockStats();
+}
+
+TEST(LockStats, OnlyMeasuredMutexesHaveFigures) {
+    QXLockStats stats{1, 2, 3, 4, 5, 6, 7};
+    const QXHandle plain = NewMutex("", QX_MUTEX_STATS | QX_MUTEX_NOSTATS);
+    EXPECT_EQ(QX_E_NOTIMPL, QXGetLockStats(plain, &stats));
+    EXPECT_EQ(1, stats.maxAcquireTime);
+    EXPECT_EQ(7, stats.contentionCount);
+    QXMutexDestroy(plain);
+}
+
+TEST(LockStats, AHoldThatSpansAResetIsMeasuredInFull) {
+    const QXHandle mutex = NewMutex("");
+    Hold(mutex);
+    const auto start = std::chrono::steady_clock::now();
+    QXMutexAcquire(mutex);
+    Work(std::chrono::microseconds(2000));
+    EXPECT_EQ(QX_S_OK, QXResetLockStats());
+    EXPECT_TRUE(IsAllZero(StatsOf(mutex)));
+    QXMutexRelease(mutex);
+    const std::chrono::duration<double, std::micro> most = std::chrono::steady_clock::now() - start;
+    EXPECT_LE(2000, StatsOf(mutex).maxHeldTime);
+    EXPECT_GE(2 * most.count(), static_cast<double>(StatsOf(mutex).maxHeldTime));
+    EXPECT_EQ(0, StatsOf(mutex).acquireCount);
+    EXPECT_EQ(1, StatsOf(mutex).heldCount);
+    QXMutexDestroy(mutex);
+    QXResetLockStats();
+}
+
+TEST(LockStats, WaitsAndContentionAreMeasured) {
+    const QXHandle mutex = NewMutex("");
+    // Whether a waiter has come to block cannot be seen from outside, so it is tried until one has.
+    while (StatsOf(mutex).contentionCount == 0) {
+        QXMutexAcquire(mutex);
+        std::atomic<bool> started{false};
+        std::thread waiter([&] {
+            started = true;
+            Hold(mutex);
+        });
+        while (!started) {
+            std::this_thread::yield();
+        }
+        Work(std::chrono::microseconds(3000));
+        QXMutexRelease(mutex);
+        waiter.join();
+    }
+    EXPECT_LE(0, StatsOf(mutex).maxAcquireTime);
+    EXPECT_LE(StatsOf(mutex).maxAcquireTime, StatsOf(mutex).totalAcquireTime);
+    EXPECT_LT(0, StatsOf(mutex).totalAcquireTime);
+    QXResetLockStats();
+    EXPECT_EQ(0, StatsOf(mutex).contentionCount);
+    QXMutexDestroy(mutex);
+    QXResetLockStats();
+}
+
+class LockReport : public testing::Test {
+  protected:
+    void TearDown() override { QXResetLockStats(); }
+
+    std::filesystem::path Path() const { return m_directory.Path() / "report.csv"; }
+    QXResult Dump(const char* title = "t") const {
+        return QXDumpLockStats(title, Path().u16string().c_str());
+    }
+    // With plain line ends.
+    std::string Text() const { return TextOf(Path()); }
+    static std::string TextOf(const std::filesystem::path& path) {
+        std::ifstream file(path);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+    // What is between the three lines of the head and the tail of the first dump.
+    std::string Rows() const {
+        std::smatch found;
+        const std::string text = Text();
+        std::regex_search(text, found, std::regex("Contention Count\n([^]*?)EndLockStatistics"));
+        return found[1];
+    }
+
+    TemporaryDirectory m_directory;
+};
+
+std::string Row(const char* label, QXHandle mutex, const char* name) {
+    char address[17];
+    std::snprintf(address, sizeof address, "%016llX",
+                  static_cast<unsigned long long>(reinterpret_cast<uintptr_t>(mutex)));
+    const QXLockStats stats = StatsOf(mutex);
+    std::string row = std::string(label) + ":0x" + address + "(" + name + ")";
+    for (const int64_t figure :
+         {stats.heldCount, stats.totalHeldTime, stats.maxHeldTime, stats.acquireCount,
+          stats.totalAcquireTime, stats.maxAcquireTime, stats.contentionCount}) {
+        row += "," + std::to_string(figure);
+    }
+    return row + "\n";
+}
+
+TEST_F(LockReport, IsItsTextToTheByteAndIsAppended) {
+    const std::string expected =
+        "BeginLockStatistics: a title, \"odd\" - [01][0-9]/[0-3][0-9]/[0-9]{4} "
+        "[0-2][0-9]:[0-5][0-9]:[0-6][0-9]\n"
+        "CPU Frequency,1000000\n"
+        "Name/Handle,Held Count,Total Held Time,Max Held Time,Acquire Count,Total Acquire Time,"
+        "Max Acquire Time,Contention Count\n"
+        "EndLockStatistics: a title, \"odd\" - [01][0-9]/[0-3][0-9]/[0-9]{4} "
+        "[0-2][0-9]:[0-5][0-9]:[0-6][0-9]\n"
+        "\n\n";
+    EXPECT_EQ(QX_S_OK, Dump("a title, \"odd\""));
+    EXPECT_TRUE(std::regex_match(Text(), std::regex(expected))) << Text();
+    EXPECT_EQ(QX_S_OK, Dump("a title, \"odd\""));
+    EXPECT_TRUE(std::regex_match(Text(), std::regex(expected + expected))) << Text();
+}
+
+TEST_F(LockReport, LiveMutexesComeFirstAndEachKindByItsAddress) {
+    const char* const names[] = {"", "a,b(c)", "plain name", "\xC3\xA4", "last"};
+    std::vector<std::pair<QXHandle, const char*>> live;
+    for (const char* name : names) {
+        live.emplace_back(NewMutex(name), name);
+        Hold(live.back().first);
+        Work(std::chrono::microseconds(20));
+    }
+    std::vector<std::pair<QXHandle, const char*>> retired = {live[1], live[3]};
+    live = {live[0], live[2], live[4]};
+    std::sort(live.begin(), live.end());
+    std::sort(retired.begin(), retired.end());
+    for (const auto& [mutex, name] : retired) {
+        EXPECT_EQ(0, QXMutexDestroy(mutex));
+    }
+    std::string expected;
+    for (const auto& [mutex, name] : live) {
+        expected += Row("QX_MUTEX", mutex, name);
+    }
+    std::string past;
+    for (const auto& [mutex, name] : retired) {
+        past += Row("QX_DEL_MUTEX", mutex, name);
+    }
+    EXPECT_EQ(QX_S_OK, Dump());
+    EXPECT_EQ(expected + past, Rows());
+
+    EXPECT_EQ(QX_S_OK, QXResetLockStats());
+    std::filesystem::remove(Path());
+    EXPECT_EQ(QX_S_OK, Dump());
+    expected.clear();
+    for (const auto& [mutex, name] : live) {
+        EXPECT_TRUE(IsAllZero(StatsOf(mutex)));
+        expected += Row("QX_MUTEX", mutex, name);
+        QXMutexDestroy(mutex);
+    }
+    EXPECT_EQ(expected, Rows());
+}
+
+TEST_F(LockReport, NullMeansTheUsualTitleAndFile) {
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(m_directory.Path());
+    EXPECT_EQ(QX_S_OK, QXDumpLockStats(nullptr, nullptr));
+    std::filesystem::current_path(before);
+    const std::string text = TextOf(m_directory.Path() / "qxlockstats.csv");
+    EXPECT_EQ(0u, text.find("BeginLockStatistics: LockStatsDump - ")) << text;
+    EXPECT_NE(text.npos, text.find("\nEndLockStatistics: LockStatsDump - ")) << text;
+}
+
+TEST_F(LockReport, APathThatCannotBeOpenedIsAResult) {
+    const std::filesystem::path missing = m_directory.Path() / "missing" / "report.csv";
+    EXPECT_EQ(QX_E_FAIL, QXDumpLockStats("t", missing.u16string().c_str()));
+    EXPECT_EQ(QX_E_FAIL, QXDumpLockStats("t", m_directory.Path().u16string().c_str()));
+    EXPECT_EQ(QX_E_FAIL, QXDumpLockStats("t", u""));
+    EXPECT_TRUE(std::filesystem::is_empty(m_directory.Path()));
+}
+
+TEST_F(LockReport, IsWholeWhileMutexesComeAndGo) {
+    constexpr int kThreads = 3;
+    constexpr int kRounds = 300;
+    const QXHandle shared = NewMutex("shared");
+    std::atomic<int> running{kThreads};
+    std::vector<std::thread> threads;
+    for (int index = 0; index < kThreads; ++index) {
+        threads.emplace_back([&] {
+            for (int round = 0; round < kRounds; ++round) {
+                const QXHandle own = NewMutex("own");
+                Hold(shared);
+                Hold(own);
+                EXPECT_EQ(0, QXMutexDestroy(own));
+            }
+            --running;
+        });
+    }
+    do {
+        EXPECT_EQ(QX_S_OK, Dump());
+        EXPECT_EQ(QX_S_OK, QXResetLockStats());
+    } while (running != 0);
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    const std::regex row("QX_(DEL_)?MUTEX:0x[0-9A-F]{16}\\((shared|own)\\)(,[0-9]+){7}");
+    std::ifstream file(Path());
+    for (std::string line; std::getline(file, line);) {
+        EXPECT_TRUE(line.find(":0x") == line.npos || std::regex_match(line, row)) << line;
+    }
+    QXMutexDestroy(shared);
+}
+
+}  // namespace
