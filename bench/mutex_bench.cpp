@@ -51,6 +51,10 @@ void PlainPair(benchmark::State& state) {
     MutexPair(state, 0);
 }
 
+void CheckedPair(benchmark::State& state) {
+    MutexPair(state, QX_MUTEX_CHECKED);
+}
+
 void MeasuredPair(benchmark::State& state) {
     MutexPair(state, QX_MUTEX_STATS);
 }
@@ -152,10 +156,12 @@ BENCHMARK(WriteReportText)->Name("its text, written")->Arg(10000)->Unit(benchmar
 // without any come first.
 BENCHMARK(PlainPair)->Name("QXMutex pair, one thread")->Arg(0);
 BENCHMARK(RecursivePthreadPair)->Name("recursive pthread pair, one thread")->Arg(0);
+BENCHMARK(CheckedPair)->Name("checked QXMutex pair, one thread")->Arg(0);
 BENCHMARK(MeasuredPair)->Name("measured QXMutex pair, one thread")->Arg(0);
 BENCHMARK(PlainPairAndClockReads)->Name("QXMutex pair and three clock reads, one thread")->Arg(0);
 BENCHMARK(PlainPair)->Name("QXMutex pair, several threads")->Arg(1);
 BENCHMARK(RecursivePthreadPair)->Name("recursive pthread pair, several threads")->Arg(1);
+BENCHMARK(CheckedPair)->Name("checked QXMutex pair, several threads")->Arg(1);
 BENCHMARK(MeasuredPair)->Name("measured QXMutex pair, several threads")->Arg(1);
 BENCHMARK(PlainPairAndClockReads)
     ->Name("QXMutex pair and three clock reads, several threads")

@@ -26,8 +26,7 @@ QX_BEGIN_DECLS
  * @param flags  QX_MUTEX_ flags, 0 for a plain mutex.
  * @param out    receives the handle, or QX_INVALID_HANDLE on failure. The caller owns it until
  *               QXMutexDestroy.
- * @return QX_S_OK; QX_E_OUTOFMEMORY; QX_E_FAIL; QX_E_NOTIMPL for QX_MUTEX_CHECKED, which this version
- *         does not offer.
+ * @return QX_S_OK; QX_E_OUTOFMEMORY; QX_E_FAIL.
  */
 QX_API QXResult QXMutexCreate(const char* name, uint32_t flags, QXHandle* out);
 

@@ -1,5 +1,6 @@
 #include "sync/mutex_checked.h"
 
+#include <qxcore/debug.h>
 #include <qxcore/lockstats.h>
 
 #include <initializer_list>
@@ -18,7 +19,8 @@ constexpr wchar kDepthCheck[] = u"CQXCoreMutexChecked::preRelease m_lockDepth ch
 constexpr wchar kSingleDepthCheck[] =
     u"CQXCoreMutexChecked::preRelease m_lockDepth non recursive check failed ";
 
-[[gnu::cold]] QXResult ReportFailedCheck(const wchar*) {
+[[gnu::cold]] QXResult ReportFailedCheck(const wchar* text) {
+    QXErrorAlert(0, u"QXCore Critical Error", text);
     return QX_E_FAIL;
 }
 

@@ -23,9 +23,6 @@ IMutex* NewMutex(const char* name, u32 flags) {
 QXResult CQXMutexProvider::CreateMutex(const char* name, u32 flags, IMutex** out) {
     return RunGuarded([&] {
         const u32 cleanFlags = CleanFlags(flags);
-        if ((cleanFlags & QX_MUTEX_CHECKED) != 0) {
-            return QX_E_NOTIMPL;
-        }
         IMutex* const mutex = NewMutex(name, cleanFlags);
         AddReference(mutex);
         *out = mutex;

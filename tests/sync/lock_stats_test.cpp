@@ -79,7 +79,11 @@ TEST(LockStats, OnlyMeasuredMutexesHaveFigures) {
     EXPECT_EQ(QX_E_NOTIMPL, QXGetLockStats(plain, &stats));
     EXPECT_EQ(1, stats.maxAcquireTime);
     EXPECT_EQ(7, stats.contentionCount);
+    const QXHandle checked = NewMutex("", QX_MUTEX_CHECKED);
+    Hold(checked);
+    EXPECT_TRUE(IsAllZero(StatsOf(checked)));
     QXMutexDestroy(plain);
+    QXMutexDestroy(checked);
 }
 
 TEST(LockStats, AHoldThatSpansAResetIsMeasuredInFull) {
@@ -246,7 +250,7 @@ TEST_F(LockReport, IsWholeWhileMutexesComeAndGo) {
     for (int index = 0; index < kThreads; ++index) {
         threads.emplace_back([&] {
             for (int round = 0; round < kRounds; ++round) {
-                const QXHandle own = NewMutex("own");
+                const QXHandle own = NewMutex("own", QX_MUTEX_STATS | QX_MUTEX_CHECKED);
                 Hold(shared);
                 Hold(own);
                 EXPECT_EQ(0, QXMutexDestroy(own));

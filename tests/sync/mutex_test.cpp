@@ -111,6 +111,7 @@ TEST(Mutex, FlagsDecideTheKind) {
         {QX_MUTEX_SPIN | QX_MUTEX_NONRECURSIVE | 0x01, QX_E_NOTIMPL, 1},
         {QX_MUTEX_STATS | QX_MUTEX_NOSTATS, QX_E_NOTIMPL, 1},
         {QX_MUTEX_STATS, QX_S_OK, 1},
+        {QX_MUTEX_CHECKED | QX_MUTEX_STATS | QX_MUTEX_NOSTATS, QX_S_OK, 0},
     };
     for (const Row& row : kRows) {
         QXHandle mutex = nullptr;

@@ -1,5 +1,6 @@
 // qxlockreport: makes a page to look at from a report of lock statistics.
-#include <cstring>
+#include <qxcore/option.h>
+
 #include <fstream>
 #include <iostream>
 #include <string>
@@ -28,29 +29,27 @@ struct Options {
     std::string m_page;
 };
 
-// False if the arguments are none of the program's.
+constexpr QXOptionRecord kOptions[] = {{"help", 0, 'h'}, {"output", 1, 'o'}, {nullptr, 0, 0}};
+
 bool ParseOptions(int count, char** arguments, Options& options) {
-    for (int index = 1; index < count; ++index) {
-        const std::string argument = arguments[index];
-        if (argument == "--help" || argument == "-h") {
+    int32_t found;
+    while ((found = QXGetOption(count, arguments, kOptions, nullptr)) != -1) {
+        if (found == 'h') {
             options.m_wantsHelp = true;
-        } else if (argument == "-o" || argument == "--output") {
-            if (++index == count) {
-                return false;
-            }
-            options.m_page = arguments[index];
-        } else if (argument.starts_with("--output=")) {
-            options.m_page = argument.substr(std::strlen("--output="));
-        } else if ((argument.starts_with('-') && argument != "-") || !options.m_report.empty()) {
-            return false;
+        } else if (found == 'o') {
+            options.m_page = QXGetOptionArgument;
         } else {
-            options.m_report = argument;
+            return false;
         }
+    }
+    const bool isComplete = QXGetOptionIndex == count - 1;
+    if (isComplete) {
+        options.m_report = arguments[QXGetOptionIndex];
     }
     if (options.m_page.empty()) {
         options.m_page = options.m_report == "-" ? "-" : options.m_report + ".html";
     }
-    return options.m_wantsHelp || !options.m_report.empty();
+    return isComplete || options.m_wantsHelp;
 }
 
 int Fail(const std::string& file, const char* what) {
