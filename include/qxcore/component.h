@@ -13,7 +13,9 @@
  * Any thread may call any function here. A first lookup of a class blocks all other lookups until
  * the library is loaded and has answered. A request to cancel the thread waits while a component
  * runs on behalf of the cache. The child of a fork may find the cache locked for good if another
- * thread of the parent was at a lookup: it makes objects only if the parent had one thread.
+ * thread of the parent was at a lookup: it makes objects only if the parent had one thread. A
+ * library must not look a class up in its constructors or its initialisation: the system's loader
+ * then waits for the lookup of another thread, which waits for the loader.
  */
 #ifndef QXCORE_COMPONENT_H
 #define QXCORE_COMPONENT_H

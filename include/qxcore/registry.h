@@ -9,18 +9,34 @@
  *
  * Each function opens and closes what it needs; no key stays open but inside an enumeration. Any
  * thread may call, also at the same time as other processes; only the handle of an enumeration
- * belongs to one thread at a time. A function that writes waits for others that write, for a minute
- * at the most: then it gives QX_E_FAIL. After a fork the child works on. A file that is removed or
- * replaced meanwhile is followed: by what writes at once, by what reads within a second; an
- * enumeration of the old file ends.
+ * belongs to one thread at a time. A function that finds other processes in its way waits for them,
+ * for five seconds at the most: then it gives QX_E_FAIL. After a fork the child works on. Signal
+ * handlers must not call: what they interrupt may hold what they need, and they would hang.
  *
  * On the reference platform this is the system's registry. Elsewhere each user has a file in
  * `$XDG_CONFIG_HOME/w64qxcore6` or `~/.config/w64qxcore6` (user.db), and the machine one in
  * `/var/lib/w64qxcore6` (machine.db), which everybody may read. The environment variable
- * W64QXCORE6_REGISTRY names a directory that holds both instead; it is looked at once, when the
- * registry is first used, and not in programs that run with more rights than their caller. Reading
- * makes no file. A file that is damaged, or is something else, is never overwritten: all functions
- * fail on it.
+ * W64QXCORE6_REGISTRY names a directory that holds both instead. A HOME or XDG_CONFIG_HOME that is
+ * not an absolute path does not count. The place is remembered once it was found, until the process
+ * changes its effective ids: each user sees what he may see, also after `setuid`. Programs that run
+ * with more rights than their caller take nothing from the environment; there no reference in a
+ * value is expanded either. Reading makes no file. A file whose path has more than 504 bytes cannot
+ * be used (QX_E_FAIL). A file that is damaged, or is something else, is never overwritten: all
+ * functions fail on it.
+ *
+ * **Replacing a file.** Beside each file lie its log (`-wal`) and the log's index (`-shm`). A file
+ * that is removed, or that another one is moved onto (`rename`, `mv`), is followed: by what writes
+ * at once, by what reads within a second; an enumeration of the old file ends. The side files of
+ * the old one go with it. Side files that are removed or cut in use are noticed too; what was in
+ * the log alone is then lost. What cannot be told is a copy over the file in its place (`cp`), and
+ * a file that is put there, in whatever way, when nobody who knows the old one is running but its
+ * log is still there, as after a kill: the old log would be taken for the new file's. So the right
+ * way is to stop who uses the registry, remove the three files, and then move the new one there;
+ * and to copy with a tool for such databases (`sqlite3 user.db ".backup COPY"`), which takes the
+ * log along.
+ *
+ * One process may have several copies of this library, but only one of SQLite: two copies of that
+ * in one process (as `dlmopen` makes them) undo each other's locks on a file, and lose values.
  */
 #ifndef QXCORE_REGISTRY_H
 #define QXCORE_REGISTRY_H

@@ -83,7 +83,8 @@ QX_API QXResult QXThreadYield(void);
 /**
  * Suspends the calling thread.
  *
- * A signal that is handled meanwhile does not shorten the sleep. 0 yields the processor.
+ * A signal that is handled meanwhile does not shorten the sleep, and a thread that is cancelled
+ * sleeps to the end first. 0 yields the processor.
  *
  * @param ms  milliseconds; all ones sleeps for ever.
  */

@@ -26,6 +26,7 @@ enum NativeError : u32 {
     kErrorBusy = 170,
     kErrorAlreadyExists = 183,
     kErrorBadExeFormat = 193,
+    kErrorFilenameExceedsRange = 206,
     kErrorMoreData = 234,
     kErrorWaitTimeout = 258,
     kErrorNoMoreItems = 259,

@@ -12,8 +12,8 @@ namespace platform {
 // The back end defines HKEY, a pointer to an open key, and FILETIME.
 //
 // Every operation returns a number of platform/errors.h, 0 on success, and leaves the last error
-// alone. Each reads or writes a store outside the process, so each may block on its disk; one that
-// writes also waits for the writers of other processes.
+// alone. Each reads or writes a store outside the process, so each may block on its disk, and waits
+// for other processes that are in its way, for some seconds at the most (then 170).
 //
 // A path is terminated text. `\` separates its components and nothing else does; null and the
 // empty path mean the key itself. Names compare without case. A null value name is the empty name,
@@ -24,6 +24,8 @@ namespace platform {
 //   14   no memory
 //   87   a name that is too long (255 units for a key, 16383 for a value), a bad pointer
 //   112  the disk is full
+//   170  another process was in the way for too long
+//   206  the store's path is too long
 //   1009 the store is damaged, or is a file of something else
 //   1016 the store's disk failed
 //   1018 the key was deleted while it was open

@@ -1,5 +1,6 @@
 // Names and values are UTF-8 in the process's environment and compare with case. A byte that is no
-// part of well-formed UTF-8 reads as U+FFFD.
+// part of well-formed UTF-8 reads as U+FFFD. A program that runs with more rights than its caller
+// has no environment here: the caller made it, and what is expanded may name a library to load.
 #include "platform/environment.h"
 
 #include <cstdlib>
@@ -22,7 +23,7 @@ const char* FindVariable(const std::u16string& name) {
     }
     std::string narrow(length, '\0');
     wcstombs(narrow.data(), name.c_str(), length);
-    return std::getenv(narrow.c_str());
+    return ::secure_getenv(narrow.c_str());
 }
 
 void AppendWide(std::u16string& out, const char* value) {

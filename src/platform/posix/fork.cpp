@@ -1,6 +1,9 @@
 #include "fork.h"
 
 #include <pthread.h>
+#include <time.h>
+
+#include <atomic>
 
 #include "calendar_lifetime.h"
 #include "checked_handles.h"
@@ -23,7 +26,26 @@ void Call(ForkGuard guard) {
     }
 }
 
+// The forks that are between the handlers, and whether the library goes. A fork counts itself
+// before it asks whether the library goes, and the unloading says so before it asks for the count:
+// both in one total order, so that at least one sees the other.
+constinit std::atomic<u32> s_forksUnderWay{0};
+constinit std::atomic<bool> s_libraryGoes{false};
+
+// Whether the calling thread's fork holds what the handlers hold.
+[[gnu::tls_model("initial-exec")]] constinit thread_local bool t_takesPart = false;
+
+// A handler of another library, between ours, may itself wait for the unloading.
+constexpr int kMostPauses = 5'000;
+constexpr timespec kPause{.tv_sec = 0, .tv_nsec = 1'000'000};
+
 void BeforeFork() {
+    s_forksUnderWay.fetch_add(1);
+    t_takesPart = !s_libraryGoes.load();
+    if (!t_takesPart) {
+        s_forksUnderWay.fetch_sub(1);
+        return;
+    }
     Call(s_beforeFork);
     CloseRegistryStoresForFork();
     HoldCalendarForFork();
@@ -31,12 +53,20 @@ void BeforeFork() {
     LockViews();
 }
 
-void AfterForkInParent() {
+void LetGo() {
     UnlockViews();
     UnlockCheckedHandles();
     FreeCalendarAfterFork();
     FreeRegistryStoresAfterFork();
     Call(s_afterFork);
+    t_takesPart = false;
+}
+
+void AfterForkInParent() {
+    if (t_takesPart) {
+        LetGo();
+        s_forksUnderWay.fetch_sub(1);
+    }
 }
 
 // The child's only thread has a new number.
@@ -44,13 +74,24 @@ void AfterForkInChild() {
     t_threadId = 0;
     ForgetInheritedWaiters();
     ForgetInheritedThreads();
-    AfterForkInParent();
+    if (t_takesPart) {
+        LetGo();
+    }
+    s_forksUnderWay.store(0);
+    s_libraryGoes.store(false);
 }
 
 }  // namespace
 
 void InstallForkHandlers() noexcept {
     ::pthread_atfork(BeforeFork, AfterForkInParent, AfterForkInChild);
+}
+
+void EndForkHandling() noexcept {
+    s_libraryGoes.store(true);
+    for (int pause = 0; s_forksUnderWay.load() != 0 && pause < kMostPauses; ++pause) {
+        ::nanosleep(&kPause, nullptr);
+    }
 }
 
 void SetForkGuards(ForkGuard before, ForkGuard after) noexcept {

@@ -8,6 +8,10 @@ namespace platform {
 // these. The C library forgets them when the library is unloaded.
 void InstallForkHandlers() noexcept;
 
+// Waits for the forks that are under way in other threads and keeps later ones out of the library,
+// whose code is about to go.
+void EndForkHandling() noexcept;
+
 }  // namespace platform
 
 #endif

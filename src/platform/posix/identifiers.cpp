@@ -4,12 +4,14 @@
 
 #include <sys/random.h>
 
+#include "cancellation.h"
 #include "platform/errors.h"
 
 namespace platform {
 
 u32 UuidCreate(GUID* identifier) noexcept {
-    ErrnoKeeper keepErrno;
+    const ErrnoKeeper keepErrno;
+    const CancellationOff noCancellation;
     GUID random;
     ssize_t got = 0;
     do {

@@ -2,8 +2,11 @@
 // the only constructor and the only destructor of the library.
 #include <dirent.h>
 #include <dlfcn.h>
+#include <sys/auxv.h>
 #include <sys/single_threaded.h>
+#include <unicode/putil.h>
 
+#include "cancellation.h"
 #include "fork.h"
 #include "platform/lifetime.h"
 #include "registry_lifetime.h"
@@ -24,12 +27,24 @@ void NoteProcessEnd(void*) {
     s_processEnds = true;
 }
 
-// A library that came with the program is detached at the end of the process and never before.
+// A library that came with the program is detached at the end of the process and never before. What
+// the program finds may be another copy of this library.
 bool CameWithTheProgram() noexcept {
     void* const program = ::dlopen(nullptr, RTLD_LAZY);
-    const bool found = ::dlsym(program, "QXModuleSetInitialized") != nullptr;
+    const void* const found = ::dlsym(program, "QXModuleSetInitialized");
     ::dlclose(program);
-    return found;
+    Dl_info info;
+    Dl_info own;
+    return found != nullptr && ::dladdr(found, &info) != 0 && ::dladdr(&__dso_handle, &own) != 0 &&
+           info.dli_fbase == own.dli_fbase;
+}
+
+// ICU takes the place of its data from the environment, which in a program with more rights than
+// its caller is the caller's.
+void GuardAgainstCaller() noexcept {
+    if (::getauxval(AT_SECURE) != 0) {
+        ::u_setDataDirectory("");
+    }
 }
 
 // The tasks of the process, counted up to two.
@@ -47,6 +62,8 @@ bool OneThreadIsLeft() noexcept {
 }
 
 [[gnu::constructor]] void OnLoad() {
+    const CancellationOff noCancellation;
+    GuardAgainstCaller();
     if (CameWithTheProgram()) {
         s_processEnds = true;
     } else {
@@ -58,7 +75,11 @@ bool OneThreadIsLeft() noexcept {
 
 // The threads are counted once: what is left standing for them is left standing everywhere.
 [[gnu::destructor]] void OnUnload() {
+    const CancellationOff noCancellation;
     const bool othersMayRun = s_processEnds && !__libc_single_threaded && !OneThreadIsLeft();
+    if (!s_processEnds) {
+        EndForkHandling();
+    }
     DllMain(&__dso_handle, kProcessDetach, othersMayRun ? &__dso_handle : nullptr);
     if (!othersMayRun) {
         CloseRegistryStores();

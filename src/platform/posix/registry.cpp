@@ -2,12 +2,14 @@
 #include "platform/registry.h"
 
 #include <cstring>
+#include <memory>
 #include <string>
 #include <utility>
 
 #include "platform/errors.h"
 #include "registry_names.h"
 #include "registry_query.h"
+#include "registry_run.h"
 #include "registry_schema.h"
 
 namespace platform {
@@ -120,6 +122,16 @@ u32 ResolvePath(RegistryStore& store, const KeyReference& base, const char16_t* 
     return AppendFoldedPath(resolved, path) ? kErrorSuccess : kErrorInvalidParameter;
 }
 
+[[noreturn]] void ThrowDamaged() {
+    throw StoreFailure{kErrorBadDatabase, false};
+}
+
+// The numbers of the roots belong to them alone, whatever the file says.
+bool IsNumberOf(i64 id, std::string_view path) {
+    return id > kLastReservedId ||
+           (id >= kTreeClasses32 && IsRoot(id) && path == StoredName(TreeName(id)));
+}
+
 bool FindKey(RegistryStore& store, std::string_view path, i64& id) {
     Query query(store, Statement::kFindKey);
     query.Bind(1, path);
@@ -127,6 +139,9 @@ bool FindKey(RegistryStore& store, std::string_view path, i64& id) {
         return false;
     }
     id = query.Integer(0);
+    if (!IsNumberOf(id, path)) {
+        ThrowDamaged();
+    }
     return true;
 }
 
@@ -138,9 +153,23 @@ u32 FindForOpening(RegistryStore& store, std::string_view path, u32 access, i64&
     return (access & kWriteRights) != 0 && !store.CanWrite() ? kErrorAccessDenied : kErrorSuccess;
 }
 
-HKEY NewKey(i64 id, const KeyReference& base, u32 access, RegistryStore& store) {
-    return new RegistryKey{.m_reference = {id, base.m_store, access, store.Incarnation()},
-                           .m_walk = {}};
+using OwnedKey = std::unique_ptr<RegistryKey>;
+
+OwnedKey NewKey(i64 id, const KeyReference& base, u32 access, RegistryStore& store) {
+    return OwnedKey(new RegistryKey{.m_reference = {id, base.m_store, access, store.Incarnation()},
+                                    .m_walk = {}});
+}
+
+// Runs an operation that makes a key, which is the caller's only if the operation succeeds.
+template <typename Operation>
+u32 RunForKey(StoreNumber which, HKEY* opened, Operation&& operation) noexcept {
+    OwnedKey key;
+    const u32 error =
+        RunOnStore(which, [&](RegistryStore& store) { return operation(store, key); });
+    if (error == kErrorSuccess) {
+        *opened = key.release();
+    }
+    return error;
 }
 
 i64 AddKey(RegistryStore& store, i64 parent, std::u16string_view name, std::string_view path) {
@@ -184,14 +213,22 @@ u32 CreateKey(RegistryStore& store, const KeyReference& base, const char16_t* pa
     return error;
 }
 
+// A key is always made before those below it, so that a walk downwards comes to its end in any
+// file.
 u32 OpenExisting(RegistryStore& store, const KeyReference& base, const char16_t* path, u32 access,
                  i64& id) {
     if (!store.Open(PurposeOf(access))) {
         return kErrorFileNotFound;
     }
     std::string resolved;
-    const u32 error = ResolvePath(store, base, path, resolved);
-    return error != kErrorSuccess ? error : FindForOpening(store, resolved, access, id);
+    u32 error = ResolvePath(store, base, path, resolved);
+    if (error == kErrorSuccess) {
+        error = FindForOpening(store, resolved, access, id);
+    }
+    if (error == kErrorSuccess && id < base.m_id + HasComponent(path)) {
+        ThrowDamaged();
+    }
+    return error;
 }
 
 u32 DeleteLeaf(RegistryStore& store, i64 id) {
@@ -299,6 +336,9 @@ u32 NextKey(RegistryStore& store, i64 id, u32 index, KeyWalk& walk, char16_t* na
         std::string passed(query.Blob(0));
         std::swap(walk.m_lastKey, passed);
         if (walk.m_nextKey++ == index) {
+            if (!IsStoredComponent(query.Blob(1))) {
+                ThrowDamaged();
+            }
             return CopyStoredName(query.Blob(1), name, *length, length) ? kErrorSuccess
                                                                         : kErrorMoreData;
         }
@@ -337,11 +377,11 @@ u32 RegOpenKeyExW(HKEY key, const char16_t* path, u32, u32 access, HKEY* opened)
     if (!FindBase(key, access, base)) {
         return kErrorInvalidHandle;
     }
-    return RunOnStore(base.m_store, [&](RegistryStore& store) -> u32 {
+    return RunForKey(base.m_store, opened, [&](RegistryStore& store, OwnedKey& made) -> u32 {
         i64 id;
         const u32 error = OpenExisting(store, base, path, access, id);
         if (error == kErrorSuccess) {
-            *opened = NewKey(id, base, access, store);
+            made = NewKey(id, base, access, store);
         }
         return error;
     });
@@ -353,7 +393,7 @@ u32 RegCreateKeyExW(HKEY key, const char16_t* path, u32, const char16_t*, u32, u
     if (!FindBase(key, access, base)) {
         return kErrorInvalidHandle;
     }
-    return RunOnStore(base.m_store, [&](RegistryStore& store) -> u32 {
+    return RunForKey(base.m_store, opened, [&](RegistryStore& store, OwnedKey& made) -> u32 {
         i64 id;
         u32 error = OpenExisting(store, base, path, access, id);
         const bool missing = error == kErrorFileNotFound;
@@ -361,7 +401,7 @@ u32 RegCreateKeyExW(HKEY key, const char16_t* path, u32, const char16_t*, u32, u
             error = CreateKey(store, base, path, id);
         }
         if (error == kErrorSuccess) {
-            *opened = NewKey(id, base, access, store);
+            made = NewKey(id, base, access, store);
             *disposition = missing ? kCreatedNewKey : kOpenedExistingKey;
         }
         return error;

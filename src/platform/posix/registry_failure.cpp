@@ -5,15 +5,17 @@
 namespace platform {
 namespace {
 
-// A file that cannot be opened has a reason of the system's; without one, or where the directory of
-// the side files is missing, the path is to blame.
+// A file that cannot be opened has a reason of the system's. The database itself was found to be
+// there, so what is missing is a side file, which this user cannot make.
 u32 OpenFailure(sqlite3* database) noexcept {
     const int error = database != nullptr ? ::sqlite3_system_errno(database) : 0;
-    return error == 0 || error == ENOENT ? static_cast<u32>(kErrorPathNotFound)
+    return error == 0 || error == ENOENT ? static_cast<u32>(kErrorAccessDenied)
                                          : NativeErrorFromErrno(error);
 }
 
-StoreFailure FailureOf(int status, sqlite3* database) noexcept {
+}  // namespace
+
+StoreFailure StoreFailureOf(int status, sqlite3* database) noexcept {
     if (status == SQLITE_READONLY_RECOVERY) {
         // A user who may only read met a writer at work on the log's index.
         return {kErrorAccessDenied, true};
@@ -32,7 +34,8 @@ StoreFailure FailureOf(int status, sqlite3* database) noexcept {
         case SQLITE_NOTADB:
         case SQLITE_CORRUPT:
         case SQLITE_SCHEMA:
-        case SQLITE_ERROR:  // a table or column that should be there
+        case SQLITE_ERROR:      // a table or column that should be there
+        case SQLITE_INTERRUPT:  // a statement without end
             return {kErrorBadDatabase, false};
         case SQLITE_FULL:
             return {kErrorDiskFull, false};
@@ -45,10 +48,8 @@ StoreFailure FailureOf(int status, sqlite3* database) noexcept {
     }
 }
 
-}  // namespace
-
 void ThrowStoreFailure(int status, sqlite3* database) {
-    throw FailureOf(status, database);
+    throw StoreFailureOf(status, database);
 }
 
 }  // namespace platform

@@ -15,7 +15,8 @@ struct StoreFailure {
     bool m_transient;
 };
 
-// Throws what a connection's last step failed with; `database` may be null.
+// What a connection's last step failed with; `database` may be null.
+StoreFailure StoreFailureOf(int status, sqlite3* database) noexcept;
 [[noreturn]] void ThrowStoreFailure(int status, sqlite3* database);
 
 // Throws unless the status is one of success.

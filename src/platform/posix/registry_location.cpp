@@ -6,14 +6,22 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <memory>
 #include <vector>
 
 #include "platform/errors.h"
+#include "registry_failure.h"
+#include "registry_files.h"
 
 namespace platform {
 namespace {
 
 constexpr char kName[] = "w64qxcore6";
+constexpr std::size_t kLargestEntry = 1 << 20;  // bytes of a password entry
+
+struct Freer {
+    void operator()(char* text) const noexcept { std::free(text); }
+};
 
 const char* Variable(const char* name) noexcept {
     const char* const value = ::secure_getenv(name);
@@ -24,33 +32,51 @@ std::string Beneath(const std::string& directory, const char* name) {
     return directory.empty() ? directory : directory + "/" + name;
 }
 
+// Null unless it is an absolute path: what is relative would follow the current directory.
+const char* AbsoluteVariable(const char* name) noexcept {
+    const char* const value = Variable(name);
+    return value != nullptr && *value == '/' ? value : nullptr;
+}
+
 // A directory that is named relative to the current one stays the same when that changes.
 std::string Absolute(const std::string& path) {
     if (path.front() == '/') {
         return path;
     }
-    char* const current = ::getcwd(nullptr, 0);
-    const std::string base = current != nullptr ? current : "";
-    std::free(current);
-    return Beneath(base, path.c_str());
+    const std::unique_ptr<char, Freer> current(::getcwd(nullptr, 0));
+    if (current == nullptr) {
+        throw StoreFailure{NativeErrorFromErrno(errno), false};
+    }
+    return Beneath(current.get(), path.c_str());
+}
+
+// These numbers too say that there is no such user.
+bool IsAbsence(int error) noexcept {
+    return error == 0 || error == ENOENT || error == ESRCH;
 }
 
 std::string PasswordEntryHome() {
     std::vector<char> buffer(1024);
     passwd entry;
     passwd* found = nullptr;
-    while (::getpwuid_r(::geteuid(), &entry, buffer.data(), buffer.size(), &found) == ERANGE) {
-        buffer.resize(2 * buffer.size());
+    int error = 0;
+    do {
+        error = ::getpwuid_r(::geteuid(), &entry, buffer.data(), buffer.size(), &found);
+        if (error == ERANGE) {
+            buffer.resize(2 * buffer.size());
+        }
+    } while (error == EINTR || (error == ERANGE && buffer.size() <= kLargestEntry));
+    if (found == nullptr && !IsAbsence(error)) {
+        throw StoreFailure{NativeErrorFromErrno(error), false};
     }
     return found != nullptr && found->pw_dir != nullptr ? found->pw_dir : "";
 }
 
 std::string ConfigurationHome() {
-    const char* const configured = Variable("XDG_CONFIG_HOME");
-    if (configured != nullptr && *configured == '/') {
+    if (const char* const configured = AbsoluteVariable("XDG_CONFIG_HOME")) {
         return configured;
     }
-    const char* const home = Variable("HOME");
+    const char* const home = AbsoluteVariable("HOME");
     return Beneath(home != nullptr ? home : PasswordEntryHome(), ".config");
 }
 
@@ -91,6 +117,9 @@ StoreLocation LocateStore(StoreNumber number) {
         location.m_mayMakeDirectory = true;
     }
     location.m_file = Beneath(location.m_directory, user ? "user.db" : "machine.db");
+    if (location.m_file.size() > kMaxDatabasePath) {
+        throw StoreFailure{kErrorFilenameExceedsRange, false};
+    }
     return location;
 }
 
@@ -125,13 +154,6 @@ u32 MakeStoreFile(const StoreLocation& location) noexcept {
     const u32 error = ::fchmod(file, location.m_fileMode) == 0 ? 0 : NativeErrorFromErrno(errno);
     ::close(file);
     return error;
-}
-
-void SetSideFileModes(const StoreLocation& location) {
-    for (const char* suffix : {"-wal", "-shm"}) {
-        ::fchmodat(AT_FDCWD, (location.m_file + suffix).c_str(), location.m_fileMode,
-                   AT_SYMLINK_NOFOLLOW);
-    }
 }
 
 }  // namespace platform

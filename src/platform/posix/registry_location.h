@@ -26,8 +26,9 @@ struct StoreLocation {
 // Reads the environment:
 //   W64QXCORE6_REGISTRY  a directory that holds both files; it is never made
 //   XDG_CONFIG_HOME      if absolute, the user's directory is w64qxcore6 in it
-//   HOME                 or else .config/w64qxcore6 in it, or in the password entry's
-// None of them counts in a program that runs with more rights than its caller.
+//   HOME                 if absolute, .config/w64qxcore6 in it, or else in the password entry's
+// None of them counts in a program that runs with more rights than its caller. Throws StoreFailure
+// if the place cannot be told, and 206 if its path is too long for the database.
 StoreLocation LocateStore(StoreNumber number);
 
 // What is at the place of the file. A native error number if that cannot be told.
@@ -37,10 +38,6 @@ u32 ProbeStoreFile(const StoreLocation& location, StoreFile* found) noexcept;
 // Makes an empty file, and its directory if that may be made. 0 also if it is there by now. The
 // modes are the stated ones whatever the process's mask is.
 u32 MakeStoreFile(const StoreLocation& location) noexcept;
-
-// Gives the database's side files the file's own mode. They take the mode that the file has when
-// they are made, which, if another process made the file, may still be a narrower one.
-void SetSideFileModes(const StoreLocation& location);
 
 }  // namespace platform
 

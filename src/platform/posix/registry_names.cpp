@@ -23,6 +23,11 @@ void AppendUnit(std::string& stored, char16_t unit) {
     stored += static_cast<char>(unit & 0xFF);
 }
 
+char16_t UnitAt(std::string_view stored, std::size_t offset) noexcept {
+    const u32 high = static_cast<u8>(stored[offset]);
+    return static_cast<char16_t>(high << 8 | static_cast<u8>(stored[offset + 1]));
+}
+
 void AppendFolded(std::string& stored, std::u16string_view name) {
     for (const char16_t unit : name) {
         AppendUnit(stored, FoldUnit(unit));
@@ -47,14 +52,23 @@ std::string FoldedName(std::u16string_view name) {
     return stored;
 }
 
+bool IsStoredComponent(std::string_view stored) noexcept {
+    for (std::size_t i = 0; i + 1 < stored.size(); i += 2) {
+        const char16_t unit = UnitAt(stored, i);
+        if (unit == 0 || unit == kSeparator) {
+            return false;
+        }
+    }
+    return !stored.empty() && stored.size() % 2 == 0 && stored.size() / 2 <= kMaxKeyName;
+}
+
 bool CopyStoredName(std::string_view stored, char16_t* target, u32 capacity, u32* length) noexcept {
     const std::size_t units = stored.size() / 2;
     if (units >= capacity) {
         return false;
     }
     for (std::size_t i = 0; i < units; ++i) {
-        const u32 high = static_cast<u8>(stored[2 * i]);
-        target[i] = static_cast<char16_t>(high << 8 | static_cast<u8>(stored[2 * i + 1]));
+        target[i] = UnitAt(stored, 2 * i);
     }
     target[units] = 0;
     *length = static_cast<u32>(units);

@@ -21,8 +21,16 @@ std::string FoldedName(std::u16string_view name);
 // written, if they do not fit.
 bool CopyStoredName(std::string_view stored, char16_t* target, u32 capacity, u32* length) noexcept;
 
+// Whether a stored name can be a component of a path.
+bool IsStoredComponent(std::string_view stored) noexcept;
+
 // Takes the next component off the front of a path; false behind the last. A null path has none.
 bool TakeComponent(const char16_t*& path, std::u16string_view& component) noexcept;
+
+inline bool HasComponent(const char16_t* path) noexcept {
+    std::u16string_view component;
+    return TakeComponent(path, component);
+}
 
 // Lengthens a folded path by one component.
 void AppendFoldedComponent(std::string& path, std::u16string_view component);

@@ -46,7 +46,7 @@ WriteTransaction::~WriteTransaction() {
     }
     if (isOpen()) {
         // Nothing that comes later may become part of it.
-        m_store.Close(RegistryStore::Closing::kForAWhile);
+        m_store.Close();
     }
 }
 

@@ -15,23 +15,35 @@ namespace {
 constexpr i64 kApplicationId = 0x51585247;
 constexpr i64 kVersion = 1;
 
-constexpr char kTables[] =
-    "CREATE TABLE keys("
-    " id INTEGER PRIMARY KEY AUTOINCREMENT,"
-    " parent INTEGER,"
-    " folded BLOB NOT NULL,"
-    " name BLOB NOT NULL,"
-    " path BLOB NOT NULL UNIQUE);"
-    "CREATE UNIQUE INDEX keys_of_key ON keys(parent, folded);"
-    "CREATE TABLE vals("
-    " id INTEGER PRIMARY KEY,"
-    " key INTEGER NOT NULL,"
-    " folded BLOB NOT NULL,"
-    " name BLOB NOT NULL,"
-    " type INTEGER NOT NULL,"
-    " data BLOB NOT NULL,"
-    " UNIQUE(key, folded));"
-    "CREATE INDEX vals_of_key ON vals(key);"
+// What SQLite keeps of the statement that made a table or an index is the statement itself.
+struct SchemaObject {
+    const char* name;
+    const char* statement;  // null for what comes with a table
+};
+constexpr std::array<SchemaObject, 6> kObjects{{
+    {"keys",
+     "CREATE TABLE keys("
+     " id INTEGER PRIMARY KEY AUTOINCREMENT,"
+     " parent INTEGER,"
+     " folded BLOB NOT NULL,"
+     " name BLOB NOT NULL,"
+     " path BLOB NOT NULL UNIQUE)"},
+    {"keys_of_key", "CREATE UNIQUE INDEX keys_of_key ON keys(parent, folded)"},
+    {"vals",
+     "CREATE TABLE vals("
+     " id INTEGER PRIMARY KEY,"
+     " key INTEGER NOT NULL,"
+     " folded BLOB NOT NULL,"
+     " name BLOB NOT NULL,"
+     " type INTEGER NOT NULL,"
+     " data BLOB NOT NULL,"
+     " UNIQUE(key, folded))"},
+    {"vals_of_key", "CREATE INDEX vals_of_key ON vals(key)"},
+    {"sqlite_autoindex_keys_1", nullptr},
+    {"sqlite_autoindex_vals_1", nullptr},
+}};
+
+constexpr char kRest[] =
     // The numbers up to this one are for the roots.
     "INSERT INTO sqlite_sequence VALUES('keys', 15);"
     "CREATE VIEW readable AS"
@@ -39,7 +51,7 @@ constexpr char kTables[] =
     " FROM keys JOIN vals ON vals.key = keys.id;"
     "PRAGMA application_id=1364742727;"
     "PRAGMA user_version=1;";
-static_assert(kApplicationId == 1364742727 && kVersion == 1);
+static_assert(kApplicationId == 1364742727 && kVersion == 1 && kLastReservedId == 15);
 
 struct Tree {
     i64 root;
@@ -65,7 +77,17 @@ class OneTimeQuery {
     OneTimeQuery& operator=(const OneTimeQuery&) = delete;
 
     sqlite3_stmt* Get() const noexcept { return m_statement; }
-    void Step() { CheckStatus(::sqlite3_step(m_statement), m_database); }
+    bool Step() {
+        const int status = ::sqlite3_step(m_statement);
+        CheckStatus(status, m_database);
+        return status == SQLITE_ROW;
+    }
+    // Empty for NULL.
+    std::string_view Text(int column) noexcept {
+        const auto* const text =
+            reinterpret_cast<const char*>(::sqlite3_column_text(m_statement, column));
+        return text != nullptr ? text : std::string_view();
+    }
 
   private:
     sqlite3* m_database;
@@ -91,12 +113,45 @@ void AddRoot(sqlite3* database, const Tree& tree) {
 }
 
 void FillTables(sqlite3* database, StoreNumber number) {
-    Execute(database, kTables);
+    for (const SchemaObject& object : kObjects) {
+        if (object.statement != nullptr) {
+            Execute(database, object.statement);
+        }
+    }
+    Execute(database, kRest);
     for (const Tree& tree : kTrees) {
         if (tree.store == number) {
             AddRoot(database, tree);
         }
     }
+}
+
+bool IsOurs(std::string_view name, std::string_view statement) noexcept {
+    for (const SchemaObject& object : kObjects) {
+        if (name == object.name) {
+            return statement == (object.statement != nullptr ? object.statement : "");
+        }
+    }
+    return false;
+}
+
+// Other tables, and views, are not used and may be there.
+bool HasOurTables(sqlite3* database) {
+    OneTimeQuery query(database,
+                       "SELECT name, sql FROM sqlite_schema WHERE tbl_name IN('keys', 'vals')");
+    std::size_t found = 0;
+    while (query.Step()) {
+        if (!IsOurs(query.Text(0), query.Text(1))) {
+            return false;
+        }
+        ++found;
+    }
+    return found == kObjects.size();
+}
+
+bool KeepsLog(sqlite3* database, const char* question) {
+    OneTimeQuery query(database, question);
+    return query.Step() && query.Text(0) == "wal";
 }
 
 }  // namespace
@@ -110,7 +165,8 @@ StoreContent IdentifyStore(sqlite3* database) {
     const i64 objects = NumberOf(database, "SELECT count(*) FROM sqlite_schema");
     const i64 application = NumberOf(database, "PRAGMA application_id");
     if (application == kApplicationId) {
-        const bool known = NumberOf(database, "PRAGMA user_version") == kVersion;
+        const bool known =
+            NumberOf(database, "PRAGMA user_version") == kVersion && HasOurTables(database);
         return known ? StoreContent::kRegistry : StoreContent::kForeign;
     }
     return objects == 0 && application == 0 ? StoreContent::kNothing : StoreContent::kForeign;
@@ -123,6 +179,18 @@ void FillStore(sqlite3* database, StoreNumber number) {
         FillTables(database, number);
     }
     Execute(database, "COMMIT");
+}
+
+bool UseLog(sqlite3* database) {
+    if (KeepsLog(database, "PRAGMA journal_mode")) {
+        return true;
+    }
+    if (::sqlite3_db_readonly(database, "main") != 0 ||
+        !KeepsLog(database, "PRAGMA journal_mode=WAL")) {
+        return false;
+    }
+    IdentifyStore(database);  // makes the side files
+    return true;
 }
 
 }  // namespace platform

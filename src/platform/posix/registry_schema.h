@@ -25,11 +25,20 @@ std::u16string_view TreeName(i64 root) noexcept;
 
 enum class StoreContent { kNothing, kRegistry, kForeign };
 
-// Throws StoreFailure, as the operation below does.
+// The largest number that only a root may have.
+inline constexpr i64 kLastReservedId = 15;
+
+// The operations below throw StoreFailure.
+
+// A registry has our tables and indexes, word for word, and nothing else on them.
 StoreContent IdentifyStore(sqlite3* database);
 
 // Fills an empty database, unless another process has done so by now.
 void FillStore(sqlite3* database, StoreNumber number);
+
+// Has the database keep a write-ahead log, if it does not and this user may write. Returns whether
+// it keeps one.
+bool UseLog(sqlite3* database);
 
 }  // namespace platform
 

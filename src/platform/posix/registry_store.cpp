@@ -1,38 +1,16 @@
 #include "registry_store.h"
 
-#include <sys/stat.h>
 #include <time.h>
 
 #include <memory>
+#include <utility>
 
+#include "platform/errors.h"
 #include "registry_lifetime.h"
-#include "registry_schema.h"
+#include "registry_vfs.h"
 
 namespace platform {
 namespace {
-
-constexpr i64 kPatienceMilliseconds = 60'000;
-
-// In the order of Statement.
-constexpr std::array<const char*, kStatementCount> kTexts{
-    "BEGIN IMMEDIATE",
-    "COMMIT",
-    "ROLLBACK",
-    "SELECT id FROM keys WHERE path=?1",
-    "SELECT path FROM keys WHERE id=?1",
-    "INSERT INTO keys(parent, folded, name, path) VALUES(?1, ?2, ?3, ?4)",
-    "SELECT 1 FROM keys WHERE parent=?1 LIMIT 1",
-    "SELECT folded, name FROM keys WHERE parent=?1 AND folded>?2 ORDER BY folded LIMIT 1",
-    "DELETE FROM keys WHERE id=?1",
-    "DELETE FROM vals WHERE key=?1",
-    "SELECT type, data FROM vals WHERE key=?1 AND folded=?2",
-    // Nothing is written below a key that is gone.
-    "INSERT INTO vals(key, folded, name, type, data)"
-    " SELECT ?1, ?2, ?3, ?4, ?5 FROM keys WHERE id=?1"
-    " ON CONFLICT(key, folded) DO UPDATE SET type=excluded.type, data=excluded.data",
-    "SELECT id, name, type, data FROM vals WHERE key=?1 AND id>?2 ORDER BY id LIMIT 1",
-    "DELETE FROM vals WHERE key=?1 AND folded=?2",
-};
 
 constinit RegistryStore s_stores[kStoreCount]{RegistryStore(StoreNumber::kUser),
                                               RegistryStore(StoreNumber::kMachine)};
@@ -40,49 +18,6 @@ constinit RegistryStore s_stores[kStoreCount]{RegistryStore(StoreNumber::kUser),
 // Written under the locks of all stores. Whoever finds it set under such a lock is the thread that
 // forks, in a handler of the program's own.
 constinit bool s_forkUnderWay = false;
-
-i64 MonotonicMilliseconds() noexcept {
-    timespec now;
-    ::clock_gettime(CLOCK_MONOTONIC, &now);
-    return i64{1000} * now.tv_sec + now.tv_nsec / 1'000'000;
-}
-
-// Longer with each wait, up to some milliseconds, and never the same for two processes.
-void SleepWithJitter(u32 waits) noexcept {
-    const u32 most = 50'000u << (waits < 6 ? waits : 6);
-    u32 random = 0;
-    ::sqlite3_randomness(sizeof random, &random);
-    const timespec pause{.tv_sec = 0, .tv_nsec = most / 2 + random % (most / 2)};
-    ::nanosleep(&pause, nullptr);
-}
-
-struct Closer {
-    void operator()(sqlite3* database) const noexcept { ::sqlite3_close_v2(database); }
-};
-using Connection = std::unique_ptr<sqlite3, Closer>;
-
-Connection OpenFile(const char* file) {
-    sqlite3* database = nullptr;
-    const int status = ::sqlite3_open_v2(
-        file, &database, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_PRIVATECACHE,
-        nullptr);
-    Connection connection(database);
-    CheckStatus(status, database);
-    ::sqlite3_extended_result_codes(database, 1);
-    return connection;
-}
-
-// The side files stay when the last writer goes, and are as readable as the file itself: without
-// them, users who may only read could not.
-void Configure(sqlite3* database) {
-    int persist = 1;
-    ::sqlite3_file_control(database, "main", SQLITE_FCNTL_PERSIST_WAL, &persist);
-    ::sqlite3_db_config(database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
-    CheckStatus(
-        ::sqlite3_exec(database, "PRAGMA synchronous=NORMAL; PRAGMA journal_size_limit=4194304",
-                       nullptr, nullptr, nullptr),
-        database);
-}
 
 void ThrowIf(bool failed, u32 error) {
     if (failed) {
@@ -96,30 +31,17 @@ void ThrowUnlessSuccess(u32 error) {
 
 }  // namespace
 
-bool Patience::Wait() noexcept {
-    const i64 now = MonotonicMilliseconds();
-    if (m_waitingSince == 0) {
-        m_waitingSince = now;
-    }
-    if (now - m_waitingSince > kPatienceMilliseconds) {
-        return false;
-    }
-    SleepWithJitter(m_waits++);
-    return true;
-}
-
+// Only a place that was found is remembered: what is missing may be so for the moment.
 const StoreLocation& RegistryStore::Location() {
-    if (m_location == nullptr) {
-        m_location = new StoreLocation(LocateStore(m_number));
+    if (m_location == nullptr || m_location->m_file.empty()) {
+        auto found = std::make_unique<StoreLocation>(LocateStore(m_number));
+        delete std::exchange(m_location, found.release());
     }
     return *m_location;
 }
 
-RegistryStore::FileIdentity RegistryStore::FileAtPlace() {
-    struct stat status;
-    return ::stat(Location().m_file.c_str(), &status) == 0
-               ? FileIdentity{status.st_dev, status.st_ino}
-               : FileIdentity{};
+void RegistryStore::ForgetLocation() noexcept {
+    delete std::exchange(m_location, nullptr);
 }
 
 bool RegistryStore::IsTimeToLook(Purpose purpose) noexcept {
@@ -132,82 +54,95 @@ bool RegistryStore::IsTimeToLook(Purpose purpose) noexcept {
     return true;
 }
 
+// The user's own store is another one for another user.
+void RegistryStore::DropUnlessUsable(Purpose purpose) {
+    if (m_connection == nullptr) {
+        return;
+    }
+    if (m_connection->BelongsToOthers()) {
+        Close();
+        ForgetLocation();
+    } else if (!m_connection->IsSafe() || (IsTimeToLook(purpose) && !m_connection->IsInPlace())) {
+        Follow();
+    }
+}
+
+void RegistryStore::Follow() {
+    m_lastLook = 0;  // if this fails, the next operation tries again
+    m_connection->RemoveStaleFiles();
+    m_incarnation += !m_connection->IsToTheSameFile();
+    Close();
+}
+
+bool RegistryStore::IsThere() {
+    StoreFile found;
+    ThrowUnlessSuccess(ProbeStoreFile(Location(), &found));
+    ThrowIf(found == StoreFile::kForeign, kErrorBadDatabase);
+    return found == StoreFile::kPresent;
+}
+
 bool RegistryStore::Connect(Purpose purpose) {
-    // Before the file is opened: if it is replaced in between, the next look finds a difference.
-    const FileIdentity file = FileAtPlace();
-    Connection connection = OpenFile(Location().m_file.c_str());
-    Configure(connection.get());
-    StoreContent content = IdentifyStore(connection.get());
+    auto connection = std::make_unique<StoreConnection>(Location().m_file);
+    StoreContent content = connection->Identify();
     if (content == StoreContent::kNothing) {
         if (purpose == Purpose::kRead) {
             return false;
         }
-        FillStore(connection.get(), m_number);
-        SetSideFileModes(Location());
-        content = IdentifyStore(connection.get());
+        connection->Fill(m_number, Location().m_fileMode);
+        content = connection->Identify();
     }
     ThrowIf(content != StoreContent::kRegistry, kErrorBadDatabase);
-    m_incarnation += file != m_connectedFile;
-    m_connectedFile = file;
-    m_database = connection.release();
+    connection->Settle();
+    m_incarnation += !connection->File().IsSameFile(m_lastFile);
+    m_lastFile = connection->File();
+    m_connection = connection.release();
     return true;
 }
 
 bool RegistryStore::Open(Purpose purpose) {
     ThrowIf(s_forkUnderWay, kErrorBusy);
-    if (m_database != nullptr && IsTimeToLook(purpose) && FileAtPlace() != m_connectedFile) {
-        Close(Closing::kForAWhile);
-        ++m_incarnation;
-    }
-    if (m_database != nullptr) {
-        return true;
-    }
-    StoreFile found;
-    ThrowUnlessSuccess(ProbeStoreFile(Location(), &found));
-    ThrowIf(found == StoreFile::kForeign, kErrorBadDatabase);
-    return found == StoreFile::kPresent && Connect(Purpose::kRead);
+    DropUnlessUsable(purpose);
+    return m_connection != nullptr || (IsThere() && Connect(Purpose::kRead));
 }
 
 bool RegistryStore::CanWrite() {
-    if (!IsReadOnly()) {
+    if (!m_connection->IsReadOnly()) {
         return true;
     }
-    Close(Closing::kForAWhile);
-    return Connect(Purpose::kRead) && !IsReadOnly();
+    Close();
+    return Connect(Purpose::kRead) && !m_connection->IsReadOnly();
 }
 
 void RegistryStore::OpenForWriting() {
-    if (m_database == nullptr) {
+    if (m_connection == nullptr) {
         ThrowUnlessSuccess(MakeStoreFile(Location()));
         Connect(Purpose::kWrite);
     }
     ThrowIf(!CanWrite(), kErrorAccessDenied);
 }
 
-sqlite3_stmt* RegistryStore::Prepared(Statement which) {
-    sqlite3_stmt*& statement = m_prepared[static_cast<std::size_t>(which)];
-    if (statement == nullptr) {
-        CheckStatus(::sqlite3_prepare_v3(m_database, kTexts[static_cast<std::size_t>(which)], -1,
-                                         SQLITE_PREPARE_PERSISTENT, &statement, nullptr),
-                    m_database);
+bool RegistryStore::MayHaveMoved() noexcept {
+    if (m_connection == nullptr) {
+        return false;
     }
-    return statement;
+    m_lastLook = 0;
+    try {
+        return !m_connection->IsInPlace();
+    } catch (const StoreFailure&) {
+        return false;
+    }
 }
 
-void RegistryStore::Close(Closing how) noexcept {
-    for (sqlite3_stmt*& statement : m_prepared) {
-        ::sqlite3_finalize(statement);
-        statement = nullptr;
+void RegistryStore::Close() noexcept {
+    delete std::exchange(m_connection, nullptr);
+}
+
+void RegistryStore::CloseForGood() noexcept {
+    if (m_connection != nullptr && !m_connection->BelongsToOthers() && !MayHaveMoved()) {
+        m_connection->WriteBack();
     }
-    if (how == Closing::kForGood) {
-        delete m_location;
-        m_location = nullptr;
-    } else if (m_database != nullptr) {
-        // The log is not written back each time.
-        ::sqlite3_db_config(m_database, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
-    }
-    ::sqlite3_close(m_database);
-    m_database = nullptr;
+    Close();
+    ForgetLocation();
 }
 
 RegistryStore& StoreOf(StoreNumber number) noexcept {
@@ -216,15 +151,16 @@ RegistryStore& StoreOf(StoreNumber number) noexcept {
 
 void CloseRegistryStores() noexcept {
     for (RegistryStore& store : s_stores) {
-        store.Close(RegistryStore::Closing::kForGood);
+        store.CloseForGood();
     }
+    ForgetStoreVfs();
 }
 
 void CloseRegistryStoresForFork() noexcept {
     const ErrnoKeeper keepErrno;
     for (RegistryStore& store : s_stores) {
         store.Enter();
-        store.Close(RegistryStore::Closing::kForAWhile);
+        store.Close();
     }
     s_forkUnderWay = true;
 }

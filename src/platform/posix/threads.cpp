@@ -4,6 +4,7 @@
 #include <time.h>
 #include <unistd.h>
 
+#include "cancellation.h"
 #include "platform/errors.h"
 
 namespace platform {
@@ -16,7 +17,8 @@ constinit thread_local std::uint32_t t_threadId = 0;
 }
 
 void Sleep(u32 milliseconds) noexcept {
-    ErrnoKeeper keepErrno;
+    const ErrnoKeeper keepErrno;
+    const CancellationOff noCancellation;
     if (milliseconds == 0) {
         ::sched_yield();
         return;

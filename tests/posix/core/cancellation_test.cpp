@@ -27,4 +27,35 @@ TEST(Cancellation, WaitsWhileAComponentIsAskedAndReleased) {
     EXPECT_EQ(QX_S_OK, flushed);
 }
 
+// Each may block, and is reached by a cancellation that has come before.
+TEST(Cancellation, WaitsForTheEndOfWhatMayBlock) {
+    const RegisteredClasses classes;
+    void (*const calls[])() = {
+        [] { QXSleep(1); },
+        [] { QXSleep(0); },
+        [] {
+            GUID identifier;
+            EXPECT_EQ(QXComGenerateGUID(&identifier), QX_S_OK);
+        },
+        [] { EXPECT_EQ(QXRegistrySetValue(QX_HKEY_USER, u"k", u"v", QX_REG_BINARY, "", 0), 0); },
+        [] {
+            EXPECT_EQ(QXRegistryGetValue(QX_HKEY_USER, u"k", u"v", nullptr, nullptr, nullptr), 0);
+        },
+        [] {
+            QXHandle library;
+            EXPECT_NE(QXLibOpen(u"qxcore-nothing.so", &library), QX_S_OK);
+        },
+    };
+    for (const auto& call : calls) {
+        bool ended = false;
+        std::thread([&] {
+            pthread_cancel(pthread_self());
+            call();
+            pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, nullptr);
+            ended = true;
+        }).join();
+        EXPECT_TRUE(ended) << &call - calls;
+    }
+}
+
 }  // namespace

@@ -1,0 +1,286 @@
+#include "registry_connection.h"
+
+#include <unistd.h>
+
+#include <cstring>
+
+#include "platform/errors.h"
+#include "registry_failure.h"
+#include "registry_vfs.h"
+
+namespace platform {
+namespace {
+
+// In the order of Statement.
+constexpr std::array<const char*, kStatementCount> kTexts{
+    "BEGIN IMMEDIATE",
+    "COMMIT",
+    "ROLLBACK",
+    "SELECT id FROM keys WHERE path=?1",
+    "SELECT path FROM keys WHERE id=?1",
+    "INSERT INTO keys(parent, folded, name, path) VALUES(?1, ?2, ?3, ?4)",
+    "SELECT 1 FROM keys WHERE parent=?1 LIMIT 1",
+    "SELECT folded, name FROM keys WHERE parent=?1 AND folded>?2 ORDER BY folded LIMIT 1",
+    "DELETE FROM keys WHERE id=?1",
+    "DELETE FROM vals WHERE key=?1",
+    "SELECT type, data FROM vals WHERE key=?1 AND folded=?2",
+    // Nothing is written below a key that is gone.
+    "INSERT INTO vals(key, folded, name, type, data)"
+    " SELECT ?1, ?2, ?3, ?4, ?5 FROM keys WHERE id=?1"
+    " ON CONFLICT(key, folded) DO UPDATE SET type=excluded.type, data=excluded.data",
+    "SELECT id, name, type, data FROM vals WHERE key=?1 AND id>?2 ORDER BY id LIMIT 1",
+    "DELETE FROM vals WHERE key=?1 AND folded=?2",
+};
+
+// The published layout of the index: the writers' lock, the first piece of its mapping, and where
+// in that the size of a page and the number of the log's frames stand.
+constexpr int kWriterLock = 0;
+constexpr int kIndexPiece = 32 * 1024;
+constexpr std::size_t kPageSizeOffset = 14;
+constexpr std::size_t kFrameCountOffset = 16;
+constexpr i64 kLogHeaderSize = 32;
+constexpr i64 kFrameHeaderSize = 24;
+
+constexpr StoreFailure kFilesChanged{kErrorBusy, true};
+
+sqlite3_file* FileOf(sqlite3* database) noexcept {
+    sqlite3_file* file = nullptr;
+    ::sqlite3_file_control(database, "main", SQLITE_FCNTL_FILE_POINTER, &file);
+    return file;
+}
+
+template <typename Number>
+Number NumberAt(const volatile void* start, std::size_t offset) noexcept {
+    return *reinterpret_cast<const volatile Number*>(static_cast<const volatile char*>(start) +
+                                                     offset);
+}
+
+// What the index says that the log must hold.
+i64 LogSizeBy(const volatile void* index) noexcept {
+    const i64 frames = NumberAt<u32>(index, kFrameCountOffset);
+    const i64 page = NumberAt<u16>(index, kPageSizeOffset);
+    return frames == 0 ? 0
+                       : kLogHeaderSize + frames * (kFrameHeaderSize + (page == 1 ? 65536 : page));
+}
+
+// The lock by which the writers of all processes that share an index take turns.
+class WriterLock {
+  public:
+    explicit WriterLock(sqlite3_file* file) noexcept
+        : m_file(file), m_held(Change(SQLITE_SHM_LOCK) == SQLITE_OK) {}
+    ~WriterLock() {
+        if (m_held) {
+            Change(SQLITE_SHM_UNLOCK);
+        }
+    }
+    WriterLock(const WriterLock&) = delete;
+    WriterLock& operator=(const WriterLock&) = delete;
+
+    bool IsHeld() const noexcept { return m_held; }
+
+  private:
+    int Change(int how) noexcept {
+        return m_file->pMethods->xShmLock(m_file, kWriterLock, 1, how | SQLITE_SHM_EXCLUSIVE);
+    }
+
+    sqlite3_file* m_file;
+    bool m_held;
+};
+
+std::string SnapshotAddress(const std::string& path) {
+    std::string address = "file:";
+    for (const char byte : path) {
+        constexpr char kHexadecimal[] = "0123456789ABCDEF";
+        if (byte == '%' || byte == '?' || byte == '#') {
+            address += '%';
+            address += kHexadecimal[byte >> 4];
+            address += kHexadecimal[byte & 15];
+        } else {
+            address += byte;
+        }
+    }
+    return address + "?immutable=1";
+}
+
+sqlite3* OpenFile(const std::string& name, int how) {
+    sqlite3* database = nullptr;
+    errno = 0;  // SQLite reports it, also where the system had no part in the failure
+    const int status =
+        ::sqlite3_open_v2(name.c_str(), &database,
+                          how | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_PRIVATECACHE, StoreVfsName());
+    if (status != SQLITE_OK) {
+        const StoreFailure failure = StoreFailureOf(status, database);
+        ::sqlite3_close(database);
+        throw failure;
+    }
+    ::sqlite3_extended_result_codes(database, 1);
+    return database;
+}
+
+// In a directory that is not this user's, or on a file system that cannot be written.
+bool CannotMakeSideFiles(int status) noexcept {
+    return status == SQLITE_READONLY_DIRECTORY || (status & 0xFF) == SQLITE_CANTOPEN;
+}
+
+StoreFiles LookBeforeOpening(const StorePaths& paths) {
+    RefuseUnlessRegular(paths.m_journal);
+    return LookAt(paths);
+}
+
+}  // namespace
+
+EffectiveIds EffectiveIds::Now() noexcept {
+    return {::geteuid(), ::getegid()};
+}
+
+// The files are looked at before they are opened: what is replaced in between shows in Settle.
+StoreConnection::StoreConnection(const std::string& database)
+    : m_owner(EffectiveIds::Now()),
+      m_paths(PathsOf(database)),
+      m_files(LookBeforeOpening(m_paths)) {
+    m_database.reset(OpenFile(m_paths.m_database, SQLITE_OPEN_READWRITE));
+    const int status = Configure();
+    if (CannotMakeSideFiles(status) && m_files.m_log.m_size == 0) {
+        OpenSnapshot();
+    } else {
+        CheckStatus(status, Database());
+    }
+}
+
+StoreConnection::~StoreConnection() {
+    for (sqlite3_stmt* const statement : m_prepared) {
+        ::sqlite3_finalize(statement);
+    }
+}
+
+// The side files stay when the last writer goes, and are as readable as the file itself: without
+// them, users who may only read could not. Nothing that a file brings along runs.
+int StoreConnection::Configure() noexcept {
+    sqlite3* const database = Database();
+    int persist = 1;
+    ::sqlite3_file_control(database, "main", SQLITE_FCNTL_PERSIST_WAL, &persist);
+    ::sqlite3_db_config(database, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+    ::sqlite3_db_config(database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    ::sqlite3_db_config(database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+    ::sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
+    ::sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
+    m_steps.Watch(database);
+    return ::sqlite3_exec(database,
+                          "PRAGMA temp_store=MEMORY; PRAGMA cell_size_check=ON;"
+                          "PRAGMA synchronous=NORMAL; PRAGMA journal_size_limit=4194304;"
+                          "SELECT 1 FROM sqlite_schema LIMIT 1",
+                          nullptr, nullptr, nullptr);
+}
+
+void StoreConnection::OpenSnapshot() {
+    m_database.reset();
+    m_database.reset(
+        OpenFile(SnapshotAddress(m_paths.m_database), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI));
+    m_snapshot = true;
+    CheckStatus(Configure(), Database());
+}
+
+void StoreConnection::Fill(StoreNumber number, mode_t sideFileMode) {
+    FillStore(Database(), number);
+    SetSideFileModes(m_paths, sideFileMode);
+}
+
+// A file that somebody copied may have lost the mode in which it keeps a log.
+void StoreConnection::Settle() {
+    const bool logged = !m_snapshot && UseLog(Database());
+    if (logged) {
+        m_index = FileWatch(m_paths.m_index);
+    }
+    const StoreFiles now = LookAt(m_paths);
+    const auto stayed = [](const FileState& before, const FileState& after) {
+        return !before.IsThere() || before.IsSameFile(after);
+    };
+    if (!now.m_database.IsSameFile(m_files.m_database) || !stayed(m_files.m_log, now.m_log) ||
+        !stayed(m_files.m_index, now.m_index) ||
+        (logged && !(now.m_log.IsThere() && now.m_index.IsThere()))) {
+        throw kFilesChanged;
+    }
+    m_logged = logged;
+    if (!m_snapshot) {
+        m_files = now;
+    }
+}
+
+sqlite3_stmt* StoreConnection::Prepared(Statement which) {
+    sqlite3_stmt*& statement = m_prepared[static_cast<std::size_t>(which)];
+    if (statement == nullptr) {
+        CheckStatus(::sqlite3_prepare_v3(Database(), kTexts[static_cast<std::size_t>(which)], -1,
+                                         SQLITE_PREPARE_PERSISTENT, &statement, nullptr),
+                    Database());
+    }
+    m_steps.Restart();
+    return statement;
+}
+
+bool StoreConnection::IsSafe() {
+    if (m_snapshot) {
+        return IsInPlace();
+    }
+    return !m_logged || m_index.IsWhole();
+}
+
+bool StoreConnection::IsInPlace() {
+    return (!m_logged || m_index.IsWhole()) && Fits(LookAt(m_paths));
+}
+
+bool StoreConnection::Fits(const StoreFiles& now) noexcept {
+    if (!now.m_database.IsSameFile(m_files.m_database) || !now.m_log.IsSameFile(m_files.m_log)) {
+        return false;
+    }
+    if (m_snapshot) {
+        return now.m_log.m_size == 0 && now.m_database == m_files.m_database;
+    }
+    return !m_logged || (now.m_index.IsSameFile(m_files.m_index) && LogIsWhole(now.m_log));
+}
+
+// A log that the index knows more of than there is was cut, or was begun anew between the two
+// looks.
+bool StoreConnection::LogIsWhole(const FileState& log) noexcept {
+    sqlite3_file* const file = FileOf(Database());
+    volatile void* index = nullptr;
+    const int status = file->pMethods->xShmMap(file, 0, kIndexPiece, 0, &index);
+    return status != SQLITE_OK || index == nullptr || log.m_size >= LogSizeBy(index);
+}
+
+// The log first: whoever opened the new database with the old log and without its index would put
+// the log's contents into it.
+void StoreConnection::RemoveFilesOfMine(const StoreFiles& now) noexcept {
+    const bool replaced = !now.m_database.IsSameFile(m_files.m_database);
+    if (replaced && now.m_log.IsSameFile(m_files.m_log)) {
+        ::unlink(m_paths.m_log.c_str());
+    }
+    if (now.m_index.IsSameFile(m_files.m_index)) {
+        ::unlink(m_paths.m_index.c_str());
+    }
+}
+
+// All who use the old files share their index, so its lock lets one of them at a time look whether
+// the side files are still the old ones and remove them.
+void StoreConnection::RemoveStaleFiles() {
+    if (!m_logged) {
+        return;
+    }
+    const WriterLock lock(FileOf(Database()));
+    const StoreFiles before = LookAt(m_paths);
+    if (m_index.IsWhole() && Fits(before)) {
+        return;
+    }
+    if (lock.IsHeld()) {
+        RemoveFilesOfMine(before);
+    }
+    const StoreFiles now = LookAt(m_paths);
+    if (now.m_database.IsThere() && now.m_index.IsSameFile(m_files.m_index)) {
+        throw kFilesChanged;
+    }
+}
+
+void StoreConnection::WriteBack() noexcept {
+    ::sqlite3_db_config(Database(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 0, nullptr);
+}
+
+}  // namespace platform

@@ -1,0 +1,81 @@
+// The files of a store as they are at their places: the database, its log, and the log's index,
+// which is mapped into every process that uses the store. Anybody with the right may remove,
+// replace or cut them at any time.
+#ifndef QX_PLATFORM_POSIX_REGISTRY_FILES_H
+#define QX_PLATFORM_POSIX_REGISTRY_FILES_H
+
+#include <sys/types.h>
+
+#include <string>
+
+#include "platform/types.h"
+
+namespace platform {
+
+struct FileState {
+    dev_t m_device = 0;
+    ino_t m_inode = 0;  // 0 if there is no file
+    i64 m_size = 0;
+    i64 m_written = 0;  // when, in nanoseconds
+
+    bool operator==(const FileState&) const = default;
+    bool IsThere() const noexcept { return m_inode != 0; }
+    bool IsSameFile(const FileState& other) const noexcept {
+        return m_device == other.m_device && m_inode == other.m_inode;
+    }
+};
+
+struct StoreFiles {
+    FileState m_database;
+    FileState m_log;
+    FileState m_index;
+};
+
+// The database's real path and the names that SQLite derives from it.
+struct StorePaths {
+    std::string m_database;
+    std::string m_log;
+    std::string m_index;
+    std::string m_journal;
+};
+
+// The longest path of a database that SQLite takes, in bytes.
+inline constexpr std::size_t kMaxDatabasePath = 504;
+
+// The operations below throw StoreFailure.
+
+// The paths for a database that exists, links resolved.
+StorePaths PathsOf(const std::string& database);
+
+// What is there now. 1009 if anything but a regular file is at one of the places: SQLite would wait
+// at a pipe, and follow a link to what is not its own.
+StoreFiles LookAt(const StorePaths& paths);
+void RefuseUnlessRegular(const std::string& path);
+
+// Gives the side files the database's own mode. They take the mode that it has when they are made,
+// which, if another process made it, may still be a narrower one.
+void SetSideFileModes(const StorePaths& paths, mode_t mode) noexcept;
+
+// A descriptor that only names a file: to look at it whatever happens to its name. Closing it does
+// not touch the locks that the process holds on the file, as closing any other descriptor would.
+class FileWatch {
+  public:
+    FileWatch() noexcept = default;
+    // A file that is missing is not whole.
+    explicit FileWatch(const std::string& path);
+    ~FileWatch();
+    FileWatch(const FileWatch&) = delete;
+    FileWatch& operator=(const FileWatch&) = delete;
+    FileWatch& operator=(FileWatch&& other) noexcept;
+
+    // False once the file has lost its name or has become shorter than it was.
+    bool IsWhole() noexcept;
+
+  private:
+    int m_descriptor = -1;
+    i64 m_size = 0;
+};
+
+}  // namespace platform
+
+#endif
