@@ -1,6 +1,7 @@
 #include "fork.h"
 
 #include <pthread.h>
+#include <sys/single_threaded.h>
 #include <time.h>
 
 #include <atomic>
@@ -13,6 +14,9 @@
 #include "shared/view_table.h"
 #include "thread_object.h"
 #include "waiting/wait_queue.h"
+
+extern "C" [[gnu::visibility("hidden")]] char __dso_handle;
+extern "C" void __cxa_finalize(void* module);
 
 namespace platform {
 namespace {
@@ -37,6 +41,8 @@ constinit std::atomic<bool> s_libraryGoes{false};
 
 // A handler of another library, between ours, may itself wait for the unloading.
 constexpr int kMostPauses = 5'000;
+// A thread that took the handler's address before it was withdrawn has come in by then.
+constexpr int kQuietPauses = 50;
 constexpr timespec kPause{.tv_sec = 0, .tv_nsec = 1'000'000};
 
 void BeforeFork() {
@@ -89,8 +95,14 @@ void InstallForkHandlers() noexcept {
 
 void EndForkHandling() noexcept {
     s_libraryGoes.store(true);
-    for (int pause = 0; s_forksUnderWay.load() != 0 && pause < kMostPauses; ++pause) {
+    __cxa_finalize(&__dso_handle);
+    if (__libc_single_threaded) {
+        return;
+    }
+    int quiet = 0;
+    for (int pause = 0; quiet < kQuietPauses && pause < kMostPauses; ++pause) {
         ::nanosleep(&kPause, nullptr);
+        quiet = s_forksUnderWay.load() == 0 ? quiet + 1 : 0;
     }
 }
 

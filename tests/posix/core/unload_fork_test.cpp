@@ -1,4 +1,4 @@
-// The library is opened and closed here beside a copy of itself.
+// The library is opened and closed here beside forks, and beside a copy of itself.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
@@ -6,11 +6,34 @@
 #include <filesystem>
 #include <thread>
 
+#include "posix/support/forked_child.h"
 #include "support/system.h"
 
 namespace {
 
 namespace fs = std::filesystem;
+
+TEST(UnloadBesideForks, LeavesNoForkInCodeThatIsGone) {
+    std::atomic<bool> done{false};
+    std::thread loader([&] {
+        while (!done) {
+            void* const library = ::dlopen(QXCORE_LIBRARY, RTLD_NOW);
+            ASSERT_NE(library, nullptr);
+            ::dlclose(library);
+        }
+    });
+    const auto fork = [] {
+        for (int i = 0; i < 200; ++i) {
+            EXPECT_EQ(ForkedChild([] { return 0; }).Wait(), 0);
+        }
+    };
+    std::thread others[] = {std::thread(fork), std::thread(fork), std::thread(fork)};
+    for (std::thread& other : others) {
+        other.join();
+    }
+    done = true;
+    loader.join();
+}
 
 // Opened so that the program finds the copy's names first. At the end of a process what other
 // threads may use is left standing, but this is no end.
