@@ -10,6 +10,10 @@ namespace platform {
 // keeps their registers. False on processors of another family. Does not block.
 bool ProcessorHasAvx2() noexcept;
 
+// Whether a program that checks each use of memory stands in for the processor. False where that
+// cannot be asked. Does not block.
+bool RunsUnderMemoryChecker() noexcept;
+
 }  // namespace platform
 
 #endif

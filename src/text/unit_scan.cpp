@@ -2,19 +2,13 @@
 
 #include "platform/processor.h"
 
-#if __has_include(<valgrind/valgrind.h>)
-#include <valgrind/valgrind.h>
-#else
-#define RUNNING_ON_VALGRIND 0
-#endif
-
 namespace unit_scan {
 namespace {
 
 // A memory checker would report the bytes around a text that come with a block.
 const Loops& LoopsForThisProcessor() {
 #ifdef QX_SCAN_BLOCKS
-    if (RUNNING_ON_VALGRIND == 0) {
+    if (!platform::RunsUnderMemoryChecker()) {
         return platform::ProcessorHasAvx2() ? kAvx2Loops : kSse2Loops;
     }
 #endif

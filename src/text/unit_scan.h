@@ -15,7 +15,8 @@
 #define QX_SCAN_BLOCKS
 #endif
 #if defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#if __has_feature(address_sanitizer) || __has_feature(hwaddress_sanitizer) || \
+    __has_feature(memory_sanitizer) || __has_feature(thread_sanitizer)
 #undef QX_SCAN_BLOCKS
 #endif
 #endif

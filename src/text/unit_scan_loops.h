@@ -154,8 +154,8 @@ template <typename Unit, typename Count, typename Test>
     while (limit.Allows(index)) {
         const Unit* const one = first + index;
         const Unit* const other = second + index;
-        // An address with the bits of both stands no less far into its page than either.
-        if (!IsNearPageEnd(AddressOf(one) | AddressOf(other), kGroupSize)) [[likely]] {
+        if (!IsNearPageEnd(AddressOf(one), kGroupSize) &&
+            !IsNearPageEnd(AddressOf(other), kGroupSize)) [[likely]] {
             const std::size_t offset = FindInGroup([=](std::size_t windowOffset) {
                 const std::size_t units = windowOffset / sizeof(Unit);
                 return FailuresOf(one + units, other + units, test);

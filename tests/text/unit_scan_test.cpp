@@ -124,6 +124,28 @@ TEST_P(UnitScan, PairsOfTextsAreComparedWithinTheirPages) {
     }
 }
 
+// Longer than the windows that are looked at together, whichever unit it is that counts.
+TEST_P(UnitScan, NoUnitOfALongTextIsLeftOut) {
+    constexpr size_t kLength = 300;
+    const std::u16string alike(kLength, u'x');
+    const std::string narrow(kLength, 'x');
+    const char16_t* const wideFirst = m_first.Place(alike + u'\0', 0, false);
+    for (size_t odd = 0; odd < kLength; ++odd) {
+        std::u16string units = alike + u'\0';
+        units[odd] = 0x80;
+        const char16_t* const wide = m_second.Place(units, 0, false);
+        ASSERT_EQ(m_loops.findDifference(wideFirst, wide), odd);
+        ASSERT_EQ(m_loops.findLowerDifference(wideFirst, wide), odd);
+        ASSERT_EQ(m_loops.findNotAsciiWide(wide), odd);
+        ASSERT_EQ(m_loops.findUnit(wide, 0x80), wide + odd);
+        ASSERT_EQ(m_loops.findLast(wide, 0x80), wide + odd);
+        std::string bytes = narrow + '\0';
+        bytes[odd] = '_';
+        ASSERT_EQ(m_loops.compareUpper(m_second.Place(bytes, 0, false), narrow.c_str(), nullptr),
+                  '_' - 'X');
+    }
+}
+
 template <typename Unit>
 void CheckCopy(Unit* (*copy)(Unit*, const Unit*), Unit* target, const Unit* source) {
     const std::basic_string<Unit> text(source);

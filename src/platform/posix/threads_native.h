@@ -3,6 +3,8 @@
 #ifndef QX_PLATFORM_POSIX_THREADS_NATIVE_H
 #define QX_PLATFORM_POSIX_THREADS_NATIVE_H
 
+#include <signal.h>
+
 #include <cstdint>
 
 #include "handles_native.h"
@@ -36,11 +38,10 @@ inline HANDLE GetCurrentThread() noexcept {
 [[gnu::always_inline]] inline void DebugBreak() noexcept {
 #if defined(__x86_64__) || defined(__i386__)
     asm volatile("int3");
-#elif defined(__aarch64__)
-    // The debugger steps over this one; a trap instruction that the compiler makes does not return.
-    asm volatile("brk #0xf000");
 #else
-    __builtin_debugtrap();
+    // Elsewhere a trap instruction leaves the program counter on itself, so that a handler that
+    // goes on comes back for ever.
+    ::raise(SIGTRAP);
 #endif
 }
 

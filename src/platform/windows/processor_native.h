@@ -10,6 +10,10 @@ inline bool ProcessorHasAvx2() noexcept {
     return ::IsProcessorFeaturePresent(kAvx2Available) != FALSE;
 }
 
+inline bool RunsUnderMemoryChecker() noexcept {
+    return false;
+}
+
 }  // namespace platform
 
 #endif
