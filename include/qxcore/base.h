@@ -41,6 +41,11 @@
 #define QX_WCHAR_TYPE char16_t
 #endif
 typedef QX_WCHAR_TYPE wchar;
+#ifdef __cplusplus
+static_assert(sizeof(wchar) == 2, "QX_WCHAR_TYPE is a type of 16 bits");
+#else
+_Static_assert(sizeof(wchar) == 2, "QX_WCHAR_TYPE is a type of 16 bits");
+#endif
 
 /** A result code in the layout of an HRESULT: negative is failure. See qxcore/result.h. */
 typedef int32_t QXResult;

@@ -39,8 +39,8 @@ QX_API void QXAssert(const char* expression, const char* file, int32_t line);
 /**
  * Stops in the debugger.
  *
- * A breakpoint trap in the calling thread. A debugger, or a handler of the trap, may go on after
- * it; with neither the process ends.
+ * A breakpoint trap in the calling thread (SIGTRAP on Linux). A debugger, or a handler of the trap,
+ * may go on after it; with neither the process ends.
  */
 QX_API void QXDebugBreak(void);
 
