@@ -1,8 +1,6 @@
 #include "config/registry_expand.h"
 
-#include <algorithm>
 #include <cstring>
-#include <memory>
 #include <string>
 
 #include "core/entry_guard.h"
@@ -20,31 +18,26 @@ std::u16string TextOf(const void* data, u32 bytes) {
     return text;
 }
 
-// What is behind the expanded text is filled with zero units, as a bounded copy does.
-void CopyBack(void* data, char16_t* expanded, u32 needed, u32 units) {
-    std::fill(expanded + needed, expanded + units, u'\0');
-    std::memcpy(data, expanded, std::size_t{units} * kUnit);
-}
-
 }  // namespace
 
 QXResult ExpandValue(void* data, u32 stored, u32 capacity) {
+    if (data == nullptr) {
+        return QX_S_OK;
+    }
     return RunGuarded([&] {
         const u32 units = capacity / kUnit;
-        const auto expanded = std::make_unique_for_overwrite<char16_t[]>(units);
-        if (data == nullptr) {
-            return QX_S_OK;
-        }
+        // What is behind the expanded text is zero, as behind a bounded copy.
+        std::u16string expanded(units, u'\0');
         const std::u16string source = TextOf(data, stored);
         const u32 needed =
-            platform::ExpandEnvironmentStringsW(source.c_str(), expanded.get(), units);
+            platform::ExpandEnvironmentStringsW(source.c_str(), expanded.data(), units);
         if (needed == 0) {
-            ThrowLastError();
+            return QXResultFromNative(platform::GetLastError());
         }
         if (needed > units) {
             return QX_E_FAIL;
         }
-        CopyBack(data, expanded.get(), needed, units);
+        std::memcpy(data, expanded.data(), std::size_t{units} * kUnit);
         return QX_S_OK;
     });
 }

@@ -1,6 +1,10 @@
 #include <gtest/gtest.h>
 #include <qxcore.h>
 
+#include <atomic>
+#include <thread>
+#include <vector>
+
 #include "support/registered_classes.h"
 #include "support/witness.h"
 
@@ -52,6 +56,29 @@ TEST(Module, RefusedCallsTouchNothing) {
     ASSERT_EQ(QX_S_OK, QXModuleComCreateObject(&own, &classID, nullptr, &QX_IID_UNKNOWN, &result));
     IQXUnknown_Release(result);
     QXModuleSetInitialized(&own, 0);
+}
+
+TEST(Module, ThreadsMarkAtOnce) {
+    constexpr uintptr_t kThreads = 4;
+    constexpr uintptr_t kTokens = 100'000;
+    std::atomic<uintptr_t> ready{0};
+    std::vector<std::thread> threads;
+    for (uintptr_t first = 1; first <= kThreads; ++first) {
+        threads.emplace_back([&ready, first] {
+            for (++ready; ready != kThreads;) {
+                std::this_thread::yield();
+            }
+            for (uintptr_t token = first; token < kTokens; token += kThreads) {
+                QXModuleSetInitialized(reinterpret_cast<QXModuleToken>(token), 1);
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    for (uintptr_t token = 1; token < kTokens; ++token) {
+        ASSERT_EQ(QX_E_FAIL, QXModuleLibClose(reinterpret_cast<QXModuleToken>(token), nullptr));
+    }
 }
 
 TEST(Library, SymbolsAreTheLibrarysOwn) {

@@ -6,6 +6,7 @@
 #include <atomic>
 #include <thread>
 
+#include "platform/lifetime.h"
 #include "platform/threads.h"
 #include "posix/support/forked_child.h"
 
@@ -31,6 +32,13 @@ TEST(Fork, ThreadIdIsTheKernelsAlsoInAForkedChildAndItsThreads) {
     ForkedChild child(
         [] { return static_cast<u32>(gettid()) == platform::GetCurrentThreadId() ? 0 : 1; });
     EXPECT_EQ(0, child.Wait());
+}
+
+TEST(Fork, IsPossibleWhenTheLibraryHasBeenDetached) {
+    DllMain(nullptr, platform::kProcessDetach, nullptr);
+    EXPECT_EQ(0, ForkedChild([] { return 0; }).Wait());
+    DllMain(nullptr, platform::kProcessAttach, nullptr);
+    EXPECT_EQ(0, ForkedChild([] { return 0; }).Wait());
 }
 
 // The child has no such thread, but finds the memory as that one left it.
