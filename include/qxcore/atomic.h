@@ -14,30 +14,43 @@ QX_BEGIN_DECLS
 
 /**
  * Adds to a 32-bit word; the sum wraps.
+ *
+ * @param target  the word.
+ * @param value   what is added.
  * @return the new value.
  */
 QX_API uint32_t QXAtomicAdd32(uint32_t* target, uint32_t value);
 
 /**
  * Adds to a pointer-sized word; the sum wraps.
+ *
+ * @param target  the word.
+ * @param value   what is added.
  * @return the new value.
  */
 QX_API size_t QXAtomicAddSZ(size_t* target, size_t value);
 
 /**
  * Adds 1 to a 32-bit word; the sum wraps.
+ *
+ * @param target  the word.
  * @return the new value.
  */
 QX_API uint32_t QXAtomicIncrement(uint32_t* target);
 
 /**
  * Subtracts 1 from a 32-bit word; the difference wraps.
+ *
+ * @param target  the word.
  * @return the new value.
  */
 QX_API uint32_t QXAtomicDecrement(uint32_t* target);
 
 /**
  * Stores a 32-bit value.
+ *
+ * @param target  the word.
+ * @param value   what is stored.
  * @return the old value.
  */
 QX_API uint32_t QXAtomicExchange(uint32_t* target, uint32_t value);

@@ -34,6 +34,8 @@ QX_API void* QXPutUnalignedInt64(void* address,
 
 /**
  * Reverses the order of the bytes of a value.
+ *
+ * @param value  the value.
  * @return the reversed value.
  */
 QX_API uint16_t QXSwapInt16(uint16_t value);

@@ -4,10 +4,10 @@
  *
  * A class is registered by two keys under the root QX_HKEY_CLASSES_64. The default value (the one
  * with the empty name) of
- *     CLSID\{class id}\InprocServer32
+ * @verbatim CLSID\{class id}\InprocServer32 @endverbatim
  * names the component library, which exports "DllGetClassObject" (qxcore/unknown.h); the default
  * value of
- *     program id\CLSID
+ * @verbatim program id\CLSID @endverbatim
  * is the class id as text.
  *
  * Any thread may call any function here. A first lookup of a class blocks all other lookups until
@@ -63,7 +63,10 @@ QX_API QXResult QXComCreateObject(const GUID* classID, void* outer, const GUID* 
 /**
  * Makes an object of the class that a program id names.
  *
- * @param programID  wide text; see QXComClassIDFromProgID. The rest as for QXComCreateObject.
+ * @param programID    wide text; see QXComClassIDFromProgID.
+ * @param outer        as QXComCreateObject has it.
+ * @param interfaceID  see there.
+ * @param result       see there.
  * @return a failure of QXComClassIDFromProgID, or what QXComCreateObject returns.
  */
 QX_API QXResult QXComCreateObjectByProgID(const wchar* programID, void* outer,
@@ -93,18 +96,26 @@ QX_API QXResult QXComFlushFactoryCache(void);
 
 /**
  * Asks a component object for an interface.
+ *
+ * @param object       the object.
+ * @param interfaceID  the interface that is wanted.
+ * @param result       receives it.
  * @return what the object's QueryInterface returns.
  */
 QX_API QXResult IQXUnknown_QueryInterface(void* object, const GUID* interfaceID, void** result);
 
 /**
  * Adds a reference to a component object.
+ *
+ * @param object  the object.
  * @return what the object's AddRef returns.
  */
 QX_API uint32_t IQXUnknown_AddRef(void* object);
 
 /**
  * Gives a reference to a component object up.
+ *
+ * @param object  the object.
  * @return what the object's Release returns.
  */
 QX_API uint32_t IQXUnknown_Release(void* object);

@@ -35,6 +35,9 @@ QX_BEGIN_DECLS
 
 /**
  * Compares two identifiers for equality.
+ *
+ * @param left   one identifier, at any address.
+ * @param right  the other.
  * @return 1 if all 16 bytes agree, otherwise 0.
  */
 QX_API int32_t QXComIsEqualGUID(const GUID* left, const GUID* right);
@@ -45,6 +48,8 @@ QX_API int32_t QXComIsEqualGUID(const GUID* left, const GUID* right);
  * The bytes are compared as unsigned values in the order of the offsets 10 to 15, 8, 9, 6, 7, 4,
  * 5, 0 to 3, so the order is neither that of memcmp nor that of the text form.
  *
+ * @param left   one identifier, at any address.
+ * @param right  the other.
  * @return 1 if the first is the greater, -1 if it is the smaller, 0 if they are equal.
  */
 QX_API int32_t QXComCompareGUID(const GUID* left, const GUID* right);

@@ -33,6 +33,12 @@ QX_API QXResult QXModuleSetInitialized(QXModuleToken token, int16_t initialized)
 
 /**
  * QXComCreateObject for a module.
+ *
+ * @param token        the module.
+ * @param classID      as QXComCreateObject has it, and so are the others.
+ * @param outer        see there.
+ * @param interfaceID  see there.
+ * @param result       see there.
  * @return QX_E_NOTINITIALIZED without a mark, and then nothing is touched; otherwise what
  *         QXComCreateObject returns.
  */
@@ -41,6 +47,11 @@ QX_API QXResult QXModuleComCreateObject(QXModuleToken token, const GUID* classID
 
 /**
  * QXComGetClassObject for a module.
+ *
+ * @param token        the module.
+ * @param classID      as QXComGetClassObject has it, and so are the others.
+ * @param interfaceID  see there.
+ * @param result       see there.
  * @return QX_E_NOTINITIALIZED without a mark, and then nothing is touched; otherwise what
  *         QXComGetClassObject returns.
  */
@@ -49,6 +60,10 @@ QX_API QXResult QXModuleComGetClassObject(QXModuleToken token, const GUID* class
 
 /**
  * QXLibOpen for a module.
+ *
+ * @param token  the module.
+ * @param path   as QXLibOpen has it.
+ * @param out    see there.
  * @return QX_E_NOTINITIALIZED without a mark, and then nothing is touched; otherwise what QXLibOpen
  *         returns.
  */
@@ -56,6 +71,9 @@ QX_API QXResult QXModuleLibOpen(QXModuleToken token, const wchar* path, QXHandle
 
 /**
  * QXLibClose for a module.
+ *
+ * @param token    the module.
+ * @param library  as QXLibClose has it.
  * @return QX_E_NOTINITIALIZED without a mark, and then nothing is touched; otherwise what
  *         QXLibClose returns.
  */

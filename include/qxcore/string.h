@@ -34,7 +34,10 @@
 
 QX_BEGIN_DECLS
 
-/** @name Length, duplicate, release @{ */
+/**
+ * @name Length, duplicate, release
+ * @{
+ */
 
 /**
  * Counts the units before the terminator.
@@ -105,7 +108,10 @@ QX_API void QXStrFreeW(wchar* block);
 
 /** @} */
 
-/** @name Copy and concatenate @{ */
+/**
+ * @name Copy and concatenate
+ * @{
+ */
 
 /**
  * Copies a text with its terminator, unit by unit from the first on. The target may overlap the
@@ -233,7 +239,10 @@ QX_API int32_t QXStrCpyCatA(char* target, int32_t numberOfStrings, ...);
 
 /** @} */
 
-/** @name Compare @{ */
+/**
+ * @name Compare
+ * @{
+ */
 
 /**
  * Compares two texts unit by unit, as unsigned numbers.
@@ -361,7 +370,10 @@ QX_API int32_t QXStrNICmpUTF16(const wchar* first, const wchar* second, size_t c
 
 /** @} */
 
-/** @name Search @{ */
+/**
+ * @name Search
+ * @{
+ */
 
 /**
  * Finds the first place of a unit.
@@ -460,7 +472,10 @@ QX_API wchar* QXStrTokW(wchar** cursor, const wchar* delimiters);
 
 /** @} */
 
-/** @name Case @{ */
+/**
+ * @name Case
+ * @{
+ */
 
 /**
  * Maps one narrow unit to lower or upper case. From 0x80 up nothing changes on Linux.
@@ -521,7 +536,10 @@ QX_API wchar* QXStrToUpperUTF16(wchar* text);
 
 /** @} */
 
-/** @name Character classes @{ */
+/**
+ * @name Character classes
+ * @{
+ */
 
 /**
  * Tells whether a narrow unit is a letter or a digit.
@@ -562,7 +580,10 @@ QX_API int32_t QXIsSpaceW(wchar unit);
 
 /** @} */
 
-/** @name Numbers @{ */
+/**
+ * @name Numbers
+ * @{
+ */
 
 /**
  * Reads a decimal number. White space and a sign may stand in front; reading ends at the first

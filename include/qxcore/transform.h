@@ -42,18 +42,43 @@ extern QX_API const char* QXUtf8BomStr;
 QX_API QXResult QXEncUTF8ToUTF16(wchar* target, size_t capacity, size_t* outLength,
                                  const char* source, int32_t length, int32_t substitution);
 
-/** QXEncUTF8ToUTF16 under a shorter name. */
+/**
+ * QXEncUTF8ToUTF16 under a shorter name.
+ *
+ * @param target        receives the text; see QXEncUTF8ToUTF16.
+ * @param capacity      16-bit units of the target.
+ * @param outLength     as in QXEncUTF8ToUTF16.
+ * @param source        UTF-8.
+ * @param length        bytes of the source, or -1.
+ * @param substitution  as in QXEncUTF8ToUTF16.
+ */
 QX_API QXResult QXUTF8ToW(wchar* target, size_t capacity, size_t* outLength, const char* source,
                           int32_t length, int32_t substitution);
 
 /**
  * Converts UTF-16 to UTF-8. Unpaired surrogates are bad input. Otherwise as QXEncUTF8ToUTF16, with
  * the two forms exchanged.
+ *
+ * @param target        receives the text; see QXEncUTF8ToUTF16.
+ * @param capacity      bytes of the target.
+ * @param outLength     as in QXEncUTF8ToUTF16.
+ * @param source        UTF-16.
+ * @param length        16-bit units of the source, or -1.
+ * @param substitution  as in QXEncUTF8ToUTF16.
  */
 QX_API QXResult QXEncUTF16ToUTF8(char* target, size_t capacity, size_t* outLength,
                                  const wchar* source, int32_t length, int32_t substitution);
 
-/** QXEncUTF16ToUTF8 under a shorter name. */
+/**
+ * QXEncUTF16ToUTF8 under a shorter name.
+ *
+ * @param target        receives the text; see QXEncUTF8ToUTF16.
+ * @param capacity      bytes of the target.
+ * @param outLength     as in QXEncUTF8ToUTF16.
+ * @param source        UTF-16.
+ * @param length        16-bit units of the source, or -1.
+ * @param substitution  as in QXEncUTF8ToUTF16.
+ */
 QX_API QXResult QXWToUTF8(char* target, size_t capacity, size_t* outLength, const wchar* source,
                           int32_t length, int32_t substitution);
 
@@ -78,6 +103,13 @@ QX_API QXResult QXEncUTF8ToUTF32(char32_t* target, size_t capacity, size_t* outL
  * Converts UTF-32 to UTF-8. Surrogates and what lies above U+10FFFF are bad input. The scratch is
  * on the heap from 256 units of source up. Otherwise as QXEncUTF8ToUTF32, with the two forms
  * exchanged.
+ *
+ * @param target        receives the text; see QXEncUTF8ToUTF32.
+ * @param capacity      bytes of the target.
+ * @param outLength     as in QXEncUTF8ToUTF32.
+ * @param source        UTF-32.
+ * @param length        32-bit units of the source, or -1.
+ * @param substitution  as in QXEncUTF8ToUTF32.
  */
 QX_API QXResult QXEncUTF32ToUTF8(char* target, size_t capacity, size_t* outLength,
                                  const char32_t* source, int64_t length, int32_t substitution);
@@ -93,7 +125,13 @@ QX_API QXResult QXEncUTF32ToUTF8(char* target, size_t capacity, size_t* outLengt
  */
 QX_API int64_t QXUTF8ToUTF16(wchar* target, const char* source, int32_t capacity);
 
-/** Converts terminated UTF-16 to UTF-8. As QXUTF8ToUTF16, with the two forms exchanged. */
+/**
+ * Converts terminated UTF-16 to UTF-8. As QXUTF8ToUTF16, with the two forms exchanged.
+ *
+ * @param target    receives the text; see QXUTF8ToUTF16.
+ * @param source    terminated UTF-16.
+ * @param capacity  bytes of the target.
+ */
 QX_API int64_t QXUTF16ToUTF8(char* target, const wchar* source, int32_t capacity);
 
 /**
@@ -110,7 +148,15 @@ QX_API int64_t QXUTF16ToUTF8(char* target, const wchar* source, int32_t capacity
 QX_API wchar* QXUTF8ToUTF16N(wchar* target, int32_t capacity, int32_t* outLength,
                              const char* source, int32_t length);
 
-/** Converts UTF-16 to UTF-8. As QXUTF8ToUTF16N, with the two forms exchanged. */
+/**
+ * Converts UTF-16 to UTF-8. As QXUTF8ToUTF16N, with the two forms exchanged.
+ *
+ * @param target     receives the text; see QXUTF8ToUTF16N.
+ * @param capacity   bytes of the target.
+ * @param outLength  as in QXUTF8ToUTF16N.
+ * @param source     UTF-16.
+ * @param length     16-bit units of the source, or -1.
+ */
 QX_API char* QXUTF16ToUTF8N(char* target, int32_t capacity, int32_t* outLength, const wchar* source,
                             int32_t length);
 

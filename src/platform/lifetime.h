@@ -9,8 +9,8 @@
 namespace platform {
 
 enum EntryReason : u32 {
-    kProcessDetach = 0,
-    kProcessAttach = 1,
+    kProcessDetach = 0,  // DLL_PROCESS_DETACH
+    kProcessAttach = 1,  // DLL_PROCESS_ATTACH
 };
 
 // True if threads of the process may still run inside the library while it is being detached, so

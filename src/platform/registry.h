@@ -32,9 +32,9 @@ namespace platform {
 
 // Predefined keys, always open: the native values, which PredefinedKey makes handles of.
 enum PredefinedRoot : u32 {
-    kHkeyClassesRoot = 0x80000000,
-    kHkeyCurrentUser = 0x80000001,
-    kHkeyLocalMachine = 0x80000002,
+    kHkeyClassesRoot = 0x80000000,   // HKEY_CLASSES_ROOT
+    kHkeyCurrentUser = 0x80000001,   // HKEY_CURRENT_USER
+    kHkeyLocalMachine = 0x80000002,  // HKEY_LOCAL_MACHINE
     kHkeyInvalid = 0xFFFFFFFF,
 };
 
@@ -46,23 +46,23 @@ inline HKEY PredefinedKey(PredefinedRoot root) noexcept {
 // The view bits of an access mask choose between the two trees of a root. Without one the 64-bit
 // view is meant. The current user's root has one tree.
 enum KeyAccess : u32 {
-    kKeyQueryValue = 0x1,
-    kKeySetValue = 0x2,
-    kKeyEnumerateSubKeys = 0x8,
-    kKeyRead = 0x20019,
-    kKeyAllAccess = 0xF003F,
-    kKeyWow64View64 = 0x100,
-    kKeyWow64View32 = 0x200,
+    kKeyQueryValue = 0x1,        // KEY_QUERY_VALUE
+    kKeySetValue = 0x2,          // KEY_SET_VALUE
+    kKeyEnumerateSubKeys = 0x8,  // KEY_ENUMERATE_SUB_KEYS
+    kKeyRead = 0x20019,          // KEY_READ
+    kKeyAllAccess = 0xF003F,     // KEY_ALL_ACCESS
+    kKeyWow64View64 = 0x100,     // KEY_WOW64_64KEY
+    kKeyWow64View32 = 0x200,     // KEY_WOW64_32KEY
 };
 
 enum ValueType : u32 {
-    kRegNone = 0,
-    kRegSz = 1,
-    kRegExpandSz = 2,
-    kRegBinary = 3,
-    kRegDword = 4,
-    kRegMultiSz = 7,
-    kRegQword = 11,
+    kRegNone = 0,      // REG_NONE
+    kRegSz = 1,        // REG_SZ
+    kRegExpandSz = 2,  // REG_EXPAND_SZ
+    kRegBinary = 3,    // REG_BINARY
+    kRegDword = 4,     // REG_DWORD
+    kRegMultiSz = 7,   // REG_MULTI_SZ
+    kRegQword = 11,    // REG_QWORD
 };
 
 // Opens a key that exists. Its absence is told (2) before a lack of rights (5).

@@ -12,7 +12,7 @@ namespace platform {
 // published layout. The operations fill the caller's memory, block nowhere and keep no pointer of
 // their own.
 
-inline constexpr u32 kSecurityDescriptorRevision = 1;
+inline constexpr u32 kSecurityDescriptorRevision = 1;  // SECURITY_DESCRIPTOR_REVISION
 
 // An empty descriptor. `revision` is 1; any other fails with 1305.
 bool InitializeSecurityDescriptor(SECURITY_DESCRIPTOR* descriptor, u32 revision) noexcept;
