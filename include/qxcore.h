@@ -23,13 +23,11 @@
 #include <qxcore/memory.h>
 #include <qxcore/module.h>
 #include <qxcore/mutex.h>
+#include <qxcore/named_semaphore.h>
 #include <qxcore/option.h>
 #include <qxcore/registry.h>
 #include <qxcore/result.h>
 #include <qxcore/rwlock.h>
-#include <qxcore/named_semaphore.h>
-#include <qxcore/registry.h>
-#include <qxcore/result.h>
 #include <qxcore/security.h>
 #include <qxcore/semaphore.h>
 #include <qxcore/shared_mem.h>
