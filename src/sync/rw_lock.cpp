@@ -12,23 +12,47 @@ std::string PartName(const char* name, const char* part) {
     return std::string(name) + "::CQXRWLockImpl::" + part;
 }
 
+bool Take(QXHandle mutex) {
+    QXMutexAcquire(mutex);
+    return true;
+}
+
 bool TryTake(QXHandle mutex) {
     return QX_SUCCEEDED(QXMutexTryAcquire(mutex));
+}
+
+// Returns the value before.
+u32 Add(std::atomic<u32>& count, i32 change) {
+    const u32 before = count.load(kRelaxed);
+    count.store(before + static_cast<u32>(change), kRelaxed);
+    return before;
 }
 
 }  // namespace
 
 ReaderArray::Entry* ReaderArray::Find(u32 threadId) {
-    for (Entry& entry : m_entries) {
-        if (entry.threadId == threadId) {
-            return &entry;
+    const u32 size = Size();
+    for (u32 index = 0; index < size; ++index) {
+        if (m_entries[index].threadId == threadId) {
+            return &m_entries[index];
         }
     }
     return nullptr;
 }
 
+void ReaderArray::Append(u32 threadId) {
+    const u32 size = Size();
+    if (size == m_entries.size()) {
+        m_entries.resize(2 * m_entries.size());
+    }
+    m_entries[size] = {threadId, 1};
+    m_size.store(size + 1, std::memory_order_release);
+}
+
 void ReaderArray::Remove(Entry* entry) {
-    m_entries.erase(m_entries.begin() + (entry - m_entries.data()));
+    Entry* const end = m_entries.data() + Size();
+    std::move(entry + 1, end, entry);
+    m_size.store(Size() - 1, std::memory_order_release);
 }
 
 CQXRWLockImpl::CQXRWLockImpl(const char* name, u32 flags)
@@ -47,61 +71,70 @@ bool CQXRWLockImpl::EnterAgain(u32 threadId) {
         return false;
     }
     if (m_writerActive.load(kRelaxed)) {
-        m_savedCount.fetch_add(1, kRelaxed);
+        Add(m_savedCount, 1);
     } else {
-        m_count.fetch_add(1, kRelaxed);
+        Add(m_count, 1);
         entry->holds += 1;
     }
     return true;
 }
 
-// Both mutexes are held, so if there is a writer it is the caller.
+// m_lock is held, so if there is a writer it is the caller; and m_arrayLock, unless there are no
+// readers.
 void CQXRWLockImpl::AddReader(u32 threadId) {
     if (m_writerActive.load(kRelaxed)) {
-        m_savedCount.fetch_add(1, kRelaxed);
+        Add(m_savedCount, 1);
         return;
     }
-    if (m_count.fetch_add(1, kRelaxed) == 0) {
+    if (Add(m_count, 1) == 0) {
         ThrowIfFailed(QXGateClose(m_writerGate));
     }
     m_readers.Append(threadId);
+    m_noReaders.store(false, kRelaxed);
+}
+
+// Behind m_lock.
+template <bool (*take)(QXHandle)>
+bool CQXRWLockImpl::Enter(u32 threadId) {
+    if (m_noReaders.load(std::memory_order_acquire)) {
+        AddReader(threadId);
+        return true;
+    }
+    if (!take(m_arrayLock)) {
+        return false;
+    }
+    AddReader(threadId);
+    QXMutexRelease(m_arrayLock);
+    return true;
+}
+
+template <bool (*take)(QXHandle)>
+bool CQXRWLockImpl::AcquireReadBy() {
+    const u32 self = platform::GetCurrentThreadId();
+    if (!m_noReaders.load(kRelaxed)) {
+        if (!take(m_arrayLock)) {
+            return false;
+        }
+        const bool again = EnterAgain(self);
+        QXMutexRelease(m_arrayLock);
+        if (again) {
+            return true;
+        }
+    }
+    if (!take(m_lock)) {
+        return false;
+    }
+    const bool entered = Enter<take>(self);
+    QXMutexRelease(m_lock);
+    return entered;
 }
 
 void CQXRWLockImpl::AcquireRead() {
-    const u32 self = platform::GetCurrentThreadId();
-    QXMutexAcquire(m_arrayLock);
-    const bool again = EnterAgain(self);
-    QXMutexRelease(m_arrayLock);
-    if (again) {
-        return;
-    }
-    QXMutexAcquire(m_lock);
-    QXMutexAcquire(m_arrayLock);
-    AddReader(self);
-    QXMutexRelease(m_arrayLock);
-    QXMutexRelease(m_lock);
+    AcquireReadBy<Take>();
 }
 
 bool CQXRWLockImpl::TryAcquireRead() {
-    const u32 self = platform::GetCurrentThreadId();
-    if (!TryTake(m_arrayLock)) {
-        return false;
-    }
-    const bool again = EnterAgain(self);
-    QXMutexRelease(m_arrayLock);
-    if (again) {
-        return true;
-    }
-    if (!TryTake(m_lock)) {
-        return false;
-    }
-    const bool entered = TryTake(m_arrayLock);
-    if (entered) {
-        AddReader(self);
-        QXMutexRelease(m_arrayLock);
-    }
-    QXMutexRelease(m_lock);
-    return entered;
+    return AcquireReadBy<TryTake>();
 }
 
 // m_arrayLock is held.
@@ -111,6 +144,9 @@ bool CQXRWLockImpl::WriterMayPass() const {
 }
 
 void CQXRWLockImpl::PassReaders() {
+    if (m_noReaders.load(std::memory_order_acquire)) {
+        return;
+    }
     QXMutexAcquire(m_arrayLock);
     const bool free = WriterMayPass();
     QXMutexRelease(m_arrayLock);
@@ -120,6 +156,9 @@ void CQXRWLockImpl::PassReaders() {
 }
 
 bool CQXRWLockImpl::TryPassReaders() {
+    if (m_noReaders.load(std::memory_order_acquire)) {
+        return true;
+    }
     if (!TryTake(m_arrayLock)) {
         return false;
     }
@@ -142,7 +181,7 @@ void CQXRWLockImpl::AcquireWrite() {
         PassReaders();
         BecomeWriter();
     }
-    m_count.fetch_add(1, kRelaxed);
+    Add(m_count, 1);
 }
 
 bool CQXRWLockImpl::TryAcquireWrite() {
@@ -159,7 +198,7 @@ bool CQXRWLockImpl::TryAcquireWrite() {
         }
         BecomeWriter();
     }
-    m_count.fetch_add(1, kRelaxed);
+    Add(m_count, 1);
     return true;
 }
 
@@ -168,7 +207,7 @@ bool CQXRWLockImpl::ReleaseRead() {
         if (static_cast<i32>(m_savedCount.load(kRelaxed)) < 1) {
             return false;
         }
-        m_savedCount.fetch_sub(1, kRelaxed);
+        Add(m_savedCount, -1);
         return true;
     }
     QXMutexAcquire(m_arrayLock);
@@ -186,16 +225,17 @@ void CQXRWLockImpl::LeaveArray(ReaderArray::Entry* entry) {
     if (--entry->holds == 0) {
         m_readers.Remove(entry);
     }
-    if (m_count.fetch_sub(1, kRelaxed) == 1 || WriterMayPass()) {
+    if (Add(m_count, -1) == 1 || WriterMayPass()) {
         ThrowIfFailed(QXGateOpen(m_writerGate));
     }
+    m_noReaders.store(m_readers.Size() == 0, std::memory_order_release);
 }
 
 bool CQXRWLockImpl::ReleaseWrite() {
     if (!m_writerActive.load(kRelaxed)) {
         return false;
     }
-    const u32 depth = m_count.fetch_sub(1, kRelaxed);
+    const u32 depth = Add(m_count, -1);
     if (depth != 1) {
         const bool held = static_cast<i32>(depth - 1) >= 0;
         if (held) {
@@ -212,15 +252,24 @@ bool CQXRWLockImpl::ReleaseWrite() {
 void CQXRWLockImpl::EndWriting() {
     const u32 parked = m_savedCount.load(kRelaxed);
     m_count.store(parked, kRelaxed);
-    QXMutexAcquire(m_arrayLock);
-    if (ReaderArray::Entry* const entry = m_readers.Find(platform::GetCurrentThreadId())) {
-        entry->holds = parked;
-        if (parked == 0) {
-            m_readers.Remove(entry);
-        }
+    if (!m_noReaders.load(kRelaxed)) {
+        QXMutexAcquire(m_arrayLock);
+        GiveBack(parked);
+        QXMutexRelease(m_arrayLock);
     }
-    QXMutexRelease(m_arrayLock);
     m_savedCount.store(0, kRelaxed);
     m_writerActive.store(false, kRelaxed);
     QXMutexRelease(m_lock);
+}
+
+void CQXRWLockImpl::GiveBack(u32 parked) {
+    ReaderArray::Entry* const entry = m_readers.Find(platform::GetCurrentThreadId());
+    if (entry == nullptr) {
+        return;
+    }
+    entry->holds = parked;
+    if (parked == 0) {
+        m_readers.Remove(entry);
+        m_noReaders.store(m_readers.Size() == 0, std::memory_order_release);
+    }
 }

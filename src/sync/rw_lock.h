@@ -1,13 +1,20 @@
 // The reader/writer lock: two mutexes and a gate.
 //
-// WHO WRITES WHAT. m_readers changes under m_arrayLock alone. m_pendingWriter is written by the
-// holder of m_lock, before it takes m_arrayLock to look for readers, and read under m_arrayLock: a
-// reader that leaves either does so before that look, or sees who is waiting for it. m_count is
-// changed by arithmetic in the read paths, where only m_arrayLock is held, and written in the write
-// paths, where m_lock is held and no reader is in. m_writerActive and m_savedCount are written by
-// the writer, and read without a lock by a thread that releases a read hold: if there is a writer,
-// that is the writer itself. So the two mutexes do all the ordering, and the order of every atomic
-// is relaxed.
+// WHO WRITES WHAT. m_readers and, in the read paths, m_count belong to the holder of m_arrayLock.
+// While m_noReaders is set, nobody is in for reading and the last who was is through with all of
+// this: then they belong to the holder of m_lock, who needs no m_arrayLock. A reader sets
+// m_noReaders last of all (release); whoever holds m_lock and finds it set (acquire) sees all that
+// was done before. A thread that finds it set knows that it reads not itself, without any lock,
+// since its own entry is made and removed by itself. A search under m_arrayLock may meet the first
+// entry as it is made under m_lock: the size is stored behind the entry (release).
+//
+// m_pendingWriter is written by the holder of m_lock, before it takes m_arrayLock to look for
+// readers, and read under m_arrayLock: a reader that leaves either does so before that look, or
+// sees who waits for it. In the write paths m_count, m_savedCount and m_writerActive belong to the
+// writer; the last two are read without a lock by a thread that releases a read hold, and if there
+// is a writer, that is the writer itself. All else is ordered by the mutexes, so these are relaxed,
+// and since nobody writes one of them at the same time as somebody else, adding is a load and a
+// store.
 #ifndef QX_SYNC_RW_LOCK_H
 #define QX_SYNC_RW_LOCK_H
 
@@ -26,18 +33,20 @@ class ReaderArray {
         u32 holds;  // 1 or more
     };
 
-    ReaderArray() { m_entries.reserve(8); }
+    ReaderArray() : m_entries(8) {}
 
+    u32 Size() const { return m_size.load(std::memory_order_acquire); }
+    bool HoldsNobodyBut(u32 threadId) const {
+        return Size() == 0 || (Size() == 1 && m_entries[0].threadId == threadId);
+    }
     Entry* Find(u32 threadId);
-    void Append(u32 threadId) { m_entries.push_back({threadId, 1}); }
+    void Append(u32 threadId);
     // The tail moves down.
     void Remove(Entry* entry);
-    bool HoldsNobodyBut(u32 threadId) const {
-        return m_entries.empty() || (m_entries.size() == 1 && m_entries[0].threadId == threadId);
-    }
 
   private:
-    std::vector<Entry> m_entries;
+    std::vector<Entry> m_entries;  // with room behind the last
+    std::atomic<u32> m_size{0};
 };
 
 // Mutexes are taken and released by plain calls: a failure between the two leaves a mutex held.
@@ -57,10 +66,15 @@ class CQXRWLockImpl {
     bool ReleaseWrite();
 
   private:
+    template <bool (*take)(QXHandle)>
+    bool AcquireReadBy();
+    template <bool (*take)(QXHandle)>
+    bool Enter(u32 threadId);
     bool EnterAgain(u32 threadId);
     void AddReader(u32 threadId);
     void LeaveArray(ReaderArray::Entry* entry);
     void EndWriting();
+    void GiveBack(u32 parked);
     bool WriterMayPass() const;
     bool TryPassReaders();
     void PassReaders();
@@ -73,6 +87,7 @@ class CQXRWLockImpl {
     ReaderArray m_readers;
     std::atomic<u32> m_pendingWriter{0};  // who holds m_lock and is not yet the writer
     std::atomic<bool> m_writerActive{false};
+    std::atomic<bool> m_noReaders{true};
     const std::string m_name;
     const u32 m_flags;
     OwnedMutex m_lock;       // held once for each write hold; new readers pass it
