@@ -1,5 +1,5 @@
 # How the DLL is linked: by a module definition that is made from the list of exports.
-target_link_libraries(qxcore_dependencies INTERFACE ole32 rpcrt4 ws2_32)
+target_link_libraries(qxcore_dependencies INTERFACE ole32 rpcrt4 ws2_32 wtsapi32)
 
 set(definition ${CMAKE_CURRENT_BINARY_DIR}/w64qxcore6.def)
 set(object_list ${CMAKE_CURRENT_BINARY_DIR}/objects.txt)
