@@ -15,6 +15,7 @@
 #include <qxcore/converter.h>
 #include <qxcore/debug.h>
 #include <qxcore/event.h>
+#include <qxcore/file.h>
 #include <qxcore/guid.h>
 #include <qxcore/host.h>
 #include <qxcore/line_file.h>

@@ -8,11 +8,16 @@
 
 #include "calendar_lifetime.h"
 #include "platform/errors.h"
+#include "platform/files.h"
 #include "platform/sync.h"
 #include "time_zone_names.h"
 
 namespace platform {
 namespace {
+
+// What file times are counted in, and from where.
+constexpr i64 kStepsPerSecond = 10'000'000;
+constexpr i64 kSecondsFrom1601To1970 = 11'644'473'600;
 
 // 23:59:59 on the last day of the year 3000, universal time.
 constexpr i64 kLastSecond = 32'535'215'999;
@@ -105,6 +110,15 @@ bool FindSeasons(Seasons* seasons) noexcept {
     return true;
 }
 
+i64 StepsOf(const FILETIME& time) noexcept {
+    return static_cast<i64>(u64{time.dwHighDateTime} << 32 | time.dwLowDateTime);
+}
+
+void StoreSteps(i64 steps, FILETIME* time) noexcept {
+    time->dwLowDateTime = static_cast<u32>(steps);
+    time->dwHighDateTime = static_cast<u32>(static_cast<u64>(steps) >> 32);
+}
+
 i32 BiasOf(const std::tm& season) noexcept {
     return static_cast<i32>(-season.tm_gmtoff / 60);
 }
@@ -165,6 +179,27 @@ int _localtime64_s(std::tm* local, const i64* seconds) noexcept {
 i64 _mktime64(std::tm* local) noexcept {
     const i64 seconds = Zone().FromLocal(local);
     return seconds >= 0 && seconds <= kLastSecond ? seconds : -1;
+}
+
+bool FileTimeToLocalFileTime(const FILETIME* time, FILETIME* local) noexcept {
+    std::tm now;
+    if (!Zone().ToLocal(Now().tv_sec, &now)) {
+        SetLastError(kErrorOutOfMemory);
+        return false;
+    }
+    StoreSteps(StepsOf(*time) + now.tm_gmtoff * kStepsPerSecond, local);
+    return true;
+}
+
+bool FileTimeToSystemTime(const FILETIME* time, SYSTEMTIME* record) noexcept {
+    const i64 steps = StepsOf(*time);
+    if (steps < 0) {
+        SetLastError(kErrorInvalidParameter);
+        return false;
+    }
+    *record = UniversalTime(steps / kStepsPerSecond - kSecondsFrom1601To1970,
+                            static_cast<long>(steps % kStepsPerSecond) * 100);
+    return true;
 }
 
 }  // namespace platform

@@ -38,6 +38,7 @@ class OwnedDescriptor {
     }
 
     int Get() const noexcept { return m_descriptor; }
+    int Release() noexcept { return std::exchange(m_descriptor, -1); }
     explicit operator bool() const noexcept { return m_descriptor >= 0; }
 
   private:

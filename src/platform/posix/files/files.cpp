@@ -1,0 +1,254 @@
+// What is done with an open file, and with a name.
+#include "platform/files.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <optional>
+
+#include "../cancellation.h"
+#include "../write_signals.h"
+#include "file_error.h"
+#include "file_object.h"
+#include "file_path.h"
+
+namespace platform {
+namespace {
+
+constexpr mode_t kWriteBits = 0222;
+
+// What each operation keeps from the thread that calls it.
+struct Operation {
+    const CancellationOff m_whole;
+    const ErrnoKeeper m_keepErrno;
+};
+
+// The kernel moves at most about 2 GiB at once, and says how much that was; less is all there is.
+template <typename Byte, typename Move>
+bool MoveAll(Byte* bytes, u32 count, u32* done, Move move) noexcept {
+    constexpr ssize_t kKernelLimit = 0x7FFFF000;
+    for (;;) {
+        const ssize_t moved = move(bytes + *done, std::size_t{count - *done});
+        if (moved < 0 && errno == EINTR) {
+            continue;
+        }
+        if (moved < 0) {
+            return *done != 0 || FailByErrno();
+        }
+        *done += static_cast<u32>(moved);
+        if (moved < kKernelLimit) {
+            return true;
+        }
+    }
+}
+
+bool MoveTo(const FileReference& file, off_t distance, int origin, u64* position) noexcept {
+    const off_t reached = ::lseek(file->Descriptor(), distance, origin);
+    if (reached < 0) {
+        return errno == EINVAL ? FailWith(kErrorNegativeSeek) : FailByErrno();
+    }
+    *position = static_cast<u64>(reached);
+    return true;
+}
+
+// The way back is known beforehand where the kernel does not tell it.
+bool MoveIn32Bits(const FileReference& file, i32 distance, u32 origin, u64* position) noexcept {
+    const off_t before = origin == SEEK_END ? ::lseek(file->Descriptor(), 0, SEEK_CUR) : 0;
+    if (!MoveTo(file, distance, static_cast<int>(origin), position)) {
+        return false;
+    }
+    if (*position > UINT32_MAX) {
+        const off_t back =
+            origin == SEEK_END ? before : static_cast<off_t>(*position) - off_t{distance};
+        ::lseek(file->Descriptor(), back, SEEK_SET);
+        return FailWith(kErrorInvalidParameter);
+    }
+    return true;
+}
+
+bool HasReadOnlyAttribute(const struct stat& status) noexcept {
+    return S_ISREG(status.st_mode) && (status.st_mode & kWriteBits) == 0;
+}
+
+}  // namespace
+
+bool ReadFile(HANDLE handle, void* buffer, u32 count, u32* done) noexcept {
+    const Operation operation;
+    *done = 0;
+    const FileReference file(handle);
+    if (!file) {
+        return false;
+    }
+    if (!file->MayRead()) {
+        return FailWith(kErrorAccessDenied);
+    }
+    const bool read =
+        MoveAll(static_cast<char*>(buffer), count, done,
+                [&](char* to, std::size_t n) { return ::read(file->Descriptor(), to, n); });
+    if (read && *done == 0 && count != 0 && file->IsPipe()) {
+        return FailWith(kErrorBrokenPipe);
+    }
+    return read;
+}
+
+bool WriteFile(HANDLE handle, const void* buffer, u32 count, u32* done) noexcept {
+    const Operation operation;
+    *done = 0;
+    const FileReference file(handle);
+    if (!file) {
+        return false;
+    }
+    if (!file->MayWrite()) {
+        return FailWith(kErrorAccessDenied);
+    }
+    std::optional<WriteSignalsHeld> held;
+    if (file->IsPipe()) {
+        held.emplace();
+    }
+    return MoveAll(
+        static_cast<const char*>(buffer), count, done,
+        [&](const char* from, std::size_t n) { return ::write(file->Descriptor(), from, n); });
+}
+
+u32 SetFilePointer(HANDLE handle, i32 distance, u32 origin) noexcept {
+    const Operation operation;
+    const FileReference file(handle);
+    u64 position;
+    if (!file) {
+        return kInvalidFilePointer;
+    }
+    if (origin > SEEK_END) {
+        SetLastError(kErrorInvalidParameter);
+        return kInvalidFilePointer;
+    }
+    if (!MoveIn32Bits(file, distance, origin, &position)) {
+        return kInvalidFilePointer;
+    }
+    if (position == kInvalidFilePointer) {
+        SetLastError(kErrorSuccess);
+    }
+    return static_cast<u32>(position);
+}
+
+bool SetFilePointerEx(HANDLE handle, i64 distance, u64* position, u32 origin) noexcept {
+    const Operation operation;
+    *position = 0;
+    const FileReference file(handle);
+    if (!file) {
+        return false;
+    }
+    return origin <= SEEK_END ? MoveTo(file, distance, static_cast<int>(origin), position)
+                              : FailWith(kErrorInvalidParameter);
+}
+
+// A pipe has nothing to bring anywhere.
+bool FlushFileBuffers(HANDLE handle) noexcept {
+    const Operation operation;
+    const FileReference file(handle);
+    if (!file) {
+        return false;
+    }
+    if (!file->MayWrite()) {
+        return FailWith(kErrorAccessDenied);
+    }
+    int result;
+    do {
+        result = ::fsync(file->Descriptor());
+    } while (result != 0 && errno == EINTR);
+    return result == 0 || errno == EINVAL || FailByErrno();
+}
+
+bool GetFileSizeEx(HANDLE handle, u64* size) noexcept {
+    const Operation operation;
+    *size = 0;
+    const FileReference file(handle);
+    if (!file) {
+        return false;
+    }
+    struct stat status;
+    if (::fstat(file->Descriptor(), &status) != 0) {
+        return FailByErrno();
+    }
+    *size = static_cast<u64>(status.st_size);
+    return true;
+}
+
+bool LockFileEx(HANDLE handle, u32 flags, u32 length, u32 offset) noexcept {
+    const Operation operation;
+    const FileReference file(handle);
+    if (!file) {
+        return false;
+    }
+    const u32 error =
+        file->Locks().Lock(file->Descriptor(), offset, length, (flags & kLockExclusive) != 0,
+                           (flags & kLockFailImmediately) == 0);
+    return error == 0 || FailWith(error);
+}
+
+bool LockFile(HANDLE handle, u32 offset, u32 length) noexcept {
+    return LockFileEx(handle, kLockExclusive | kLockFailImmediately, length, offset);
+}
+
+bool UnlockFileEx(HANDLE handle, u32 length, u32 offset) noexcept {
+    const Operation operation;
+    const FileReference file(handle);
+    if (!file) {
+        return false;
+    }
+    const u32 error = file->Locks().Unlock(offset, length);
+    return error == 0 || FailWith(error);
+}
+
+bool UnlockFile(HANDLE handle, u32 offset, u32 length) noexcept {
+    return UnlockFileEx(handle, length, offset);
+}
+
+// The administrator is refused what the attribute refuses others.
+bool DeleteFileW(const char16_t* path) noexcept {
+    const Operation operation;
+    const FilePath narrow(path);
+    if (!narrow.IsValid()) {
+        return false;
+    }
+    struct stat status;
+    if (::lstat(narrow.Text(), &status) != 0) {
+        return FailByErrno();
+    }
+    if (S_ISDIR(status.st_mode) || HasReadOnlyAttribute(status)) {
+        return FailWith(kErrorAccessDenied);
+    }
+    return ::unlink(narrow.Text()) == 0 || FailByErrno();
+}
+
+bool CreateDirectoryW(const char16_t* path) noexcept {
+    const Operation operation;
+    const FilePath narrow(path);
+    if (!narrow.IsValid()) {
+        return false;
+    }
+    if (::mkdir(narrow.Text(), 0777) == 0) {
+        return true;
+    }
+    return errno == ENOENT ? FailWith(kErrorPathNotFound) : FailByErrno();
+}
+
+bool RemoveDirectoryW(const char16_t* path) noexcept {
+    const Operation operation;
+    const FilePath narrow(path);
+    if (!narrow.IsValid()) {
+        return false;
+    }
+    if (::rmdir(narrow.Text()) == 0) {
+        return true;
+    }
+    switch (errno) {
+        case ENOTDIR:
+            return FailWith(kErrorDirectory);
+        case EEXIST:
+            return FailWith(kErrorDirectoryNotEmpty);
+        default:
+            return FailByErrno();
+    }
+}
+
+}  // namespace platform
