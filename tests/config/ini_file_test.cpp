@@ -1,0 +1,256 @@
+#include "config/ini_file.h"
+
+#include <gtest/gtest.h>
+#include <qxcore/result.h>
+
+#include <chrono>
+
+#include "config/ini_iterators.h"
+#include "config/ini_support.h"
+#include "core/exception.h"
+#include "support/child_role.h"
+#include "support/system.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using Names = std::vector<std::u16string>;
+
+class IniFileTest : public testing::Test {
+  protected:
+    // A change that a look which came before can see, whatever the clock's resolution.
+    void MoveTime(int seconds) {
+        m_time += std::chrono::seconds(seconds);
+        fs::last_write_time(m_path, m_time);
+    }
+
+    TemporaryDirectory m_directory;
+    const fs::path m_path = m_directory.Path() / "test.ini";
+    const std::u16string m_name = m_path.u16string();
+    fs::file_time_type m_time = fs::file_time_type::clock::now();
+};
+
+const std::string k508(508, 'v');
+const std::string k600(600, 'v');
+const std::u16string kWide508(508, u'v');
+const std::u16string kWide507(507, u'v');
+
+// What the next write adds.
+constexpr char kAddedText[] = "[~]\nt=w\n\n";
+
+struct Grammar {
+    const char* what;
+    std::string file;
+    std::u16string table;
+    std::string written;
+};
+
+const Grammar kGrammar[] = {
+    {"empty", "", u"", ""},
+    {"plain", "[a]\nx=1\ny=2\n\n[b]\nz=3\n", u"[a]x=1;y=2;[b]z=3;",
+     "[a]\nx=1\ny=2\n\n[b]\nz=3\n\n"},
+    {"carriage returns", "[a]\r\nx=1\r\n\r\n[b]\r\ny=\r2\r\r\n", u"[a]x=1;[b]y=\r2\r;",
+     "[a]\nx=1\n\n[b]\ny=\r2\r\n\n"},
+    {"the end mark", "[a]\nx=1\n\n\x1A[b]\ny=2\n", u"[a]x=1;", "[a]\nx=1\n\n"},
+    {"comments between sections", "#c\n;c\n:c\nstray=1\n[a]\nx=1\n", u"[a]x=1;", "[a]\nx=1\n\n"},
+    {"a head under keys", "[a]\nx=1\n[b]\ny=2\n", u"", ""},
+    {"a head with an equals sign is a key", "[a]\nx=1\n[b=]\n", u"[a][b=];x=1;",
+     "[a]\n[b=]\nx=1\n\n"},
+    {"a comment inside a section", "[a]\nx=1\n\n[b]\ny=2\n#c\n", u"[a]x=1;", "[a]\nx=1\n\n"},
+    {"a comment with an equals sign is a key", "[a]\n#a=b\n", u"[a]#a=b;", "[a]\n#a=b\n\n"},
+    {"a line without an equals sign", "[a]\nx=1\n\n[b]\nno equals\n", u"[a]x=1;", "[a]\nx=1\n\n"},
+    {"an indented line ends the section", "[a]\n x=1\ny=2\n", u"[a]", "[a]\n\n"},
+    {"and so do other spaces", "[a]\n\tx=1\n[b]\n\vx=1\n[c]\n\fx=1\n[d]\n\rx=1\n", u"[a][b][c][d]",
+     "[a]\n\n[b]\n\n[c]\n\n[d]\n\n"},
+    {"a last line without an end", "[a]\nx=12", u"[a]x=1;", "[a]\nx=1\n\n"},
+    {"which may be the equals sign", "[a]\nx=", u"", ""},
+    {"spaces around", "[ a ]\n k = v\n[b]\nk = v = w  \n=\n  =x\n", u"[ a ][b]=;k=v = w;",
+     "[ a ]\n\n[b]\n=\nk=v = w\n\n"},
+    {"tabs stay", "[a]\nk\t=\tv\t\n", u"[a]k\t=\tv\t;", "[a]\nk\t=\tv\t\n\n"},
+    {"an empty key", "[a]\n=x\n", u"[a]=x;", "[a]\n=x\n\n"},
+    {"the last bracket", "[a] ; note ]\nk=v\n", u"[a] ; note ]k=v;", "[a] ; note ]\nk=v\n\n"},
+    {"behind the bracket", "[a] note\nk=v\n", u"[a]k=v;", "[a]\nk=v\n\n"},
+    {"no bracket", "[a]\nx=1\n\n[b\ny=2\n", u"[a]x=1;", "[a]\nx=1\n\n"},
+    {"the empty section", "[]\nx=1\n", u"[]x=1;", "[]\nx=1\n\n"},
+    {"equal keys", "[a]\nKey=1\nother=2\nKEY=3\n", u"[a]Key=3;other=2;", "[a]\nKey=3\nother=2\n\n"},
+    {"equal sections", "[Alpha]\nx=1\n\n[b]\n\n[ALPHA]\ny=2\n", u"[Alpha]y=2;[b]",
+     "[Alpha]\ny=2\n\n[b]\n\n"},
+    {"an equal section that is not finished", "[a]\nx=1\n\n[A]\ny=2\nz\n", u"[a]x=1;",
+     "[a]\nx=1\n\n"},
+    {"order", "[b]\n_=1\nB=2\na=3\nab=4\n\n[A]\n", u"[A][b]_=1;a=3;ab=4;B=2;",
+     "[A]\n\n[b]\n_=1\na=3\nab=4\nB=2\n\n"},
+    {"a zero byte ends a line", std::string("[a]\nx=12\0z\ny=2\n\n[b]\n\0x\n", 23),
+     u"[a]x=1;y=2;[b]", "[a]\nx=1\ny=2\n\n[b]\n\n"},
+    {"510 bytes with their end", "[a]\nk=" + k508.substr(1) + "\nl=1\n",
+     u"[a]k=" + kWide507 + u";l=1;", "[a]\nk=" + k508.substr(1) + "\nl=1\n\n"},
+    {"510 bytes and an end", "[a]\nk=" + k508 + "\nl=1\n", u"[a]k=" + kWide507 + u";",
+     "[a]\nk=" + k508.substr(1) + "\n\n"},
+    {"of which a carriage return is none", "[a]\r\nk=" + k508.substr(1) + "\r\nl=1\r\n",
+     u"[a]k=" + kWide507 + u";l=1;", "[a]\nk=" + k508.substr(1) + "\nl=1\n\n"},
+    {"600 bytes", "[a]\n\n[b]\nk=" + k600 + "\n", u"[a]", "[a]\n\n"},
+    {"600 bytes with an equals sign in the rest", "[b]\nk=" + k600 + "=x\n",
+     u"[b]k=" + kWide507 + u";" + std::u16string(92, u'v') + u"=x;",
+     "[b]\nk=" + k508.substr(1) + "\n" + k600.substr(0, 92) + "=x\n\n"},
+};
+
+TEST_F(IniFileTest, ReadsAndWritesByItsGrammar) {
+    for (const Grammar& row : kGrammar) {
+        WriteFile(m_path, row.file);
+        IniFile file(m_name.c_str());
+        EXPECT_EQ(TableOf(file), row.table) << row.what;
+        EXPECT_EQ(file.SetString(u"~", u"t", u"w", false), 0);
+        EXPECT_EQ(ReadTextFile(m_path), row.written + kAddedText) << row.what;
+    }
+}
+
+// What they mean depends on the platform's narrow text.
+TEST_F(IniFileTest, BytesBeyondAsciiAreNoSpace) {
+    WriteFile(m_path, "[a]\n\x85=1\n\xA0=2\n");
+    IniFile file(m_name.c_str());
+    EXPECT_NE(TableOf(file), u"[a]");
+}
+
+TEST_F(IniFileTest, ComesBackAsItWasWritten) {
+    IniFile file(m_name.c_str());
+    for (const char16_t* section : {u"b", u"a\\b", u"", u"A"}) {
+        for (const char16_t* key : {u"z", u"", u"Y", u"\u00E4", u"y\u00DF"}) {
+            ASSERT_EQ(file.SetString(section, key, section, true), 0);
+        }
+    }
+    IniFile again(m_name.c_str());
+    EXPECT_EQ(TableOf(again), TableOf(file));
+    EXPECT_EQ(file.GetSections(), (Names{u"", u"A", u"a\\b", u"b"}));
+    EXPECT_EQ(file.GetKeys(u"A"), (Names{u"", u"Y", u"y\u00DF", u"z", u"\u00E4"}));
+}
+
+TEST_F(IniFileTest, SetStringKeepsSpellingsAndOtherValues) {
+    IniFile file(m_name.c_str());
+    EXPECT_FALSE(fs::exists(m_path)) << "loading makes no file";
+    EXPECT_EQ(file.SetString(u"a", u"e", u"", false), 0);
+    EXPECT_EQ(ReadTextFile(m_path), "[a]\ne=\n\n");
+    EXPECT_EQ(file.SetString(u"A", u"f", u"", false), 0);
+    EXPECT_EQ(file.SetString(u"a", u"E", u"long", true), 0);
+    EXPECT_EQ(file.SetString(u"a", u"F", u"short", true), 0);
+    EXPECT_EQ(file.SetString(u"a", u"E", u"", true), 0);
+    EXPECT_EQ(file.SetString(u"a", u"D", u"d", true), 0);
+    EXPECT_EQ(file.SetString(u"a", u"e", u"1", true), 0);
+    fs::remove(m_path);
+    EXPECT_EQ(file.SetString(u"A", u"D", u"no", false), -1);
+    EXPECT_FALSE(fs::exists(m_path)) << "a refusal writes nothing";
+    EXPECT_EQ(file.SetString(u"a", u"d", u"d", true), 0);
+    EXPECT_EQ(ReadTextFile(m_path), "[a]\nD=d\ne=1\nf=short\n\n") << "an equal value is written";
+    char16_t untouched[] = u"#";
+    EXPECT_EQ(file.GetString(u"a", u"none", untouched), QX_E_NOTFOUND);
+    EXPECT_EQ(file.GetString(u"none", u"D", untouched), QX_E_NOTFOUND);
+    EXPECT_EQ(untouched, std::u16string(u"#"));
+}
+
+TEST_F(IniFileTest, ReloadsWhatIsNewerByASecond) {
+    WriteFile(m_path, "[a]\nx=1\n");
+    MoveTime(0);
+    IniFile file(m_name.c_str());
+    WriteFile(m_path, "[a]\nx=2\n");
+    MoveTime(0);
+    EXPECT_EQ(ValueOf(file, u"a", u"x"), u"2") << "the first look always loads";
+    const struct {
+        const char* file;
+        int seconds;
+        const char16_t* value;
+    } rows[] = {
+        {"[a]\nx=3\n", 0, u"2"},   // the same second
+        {"[a]\nx=4\n", 2, u"4"},   // newer
+        {"[a]\nx=5\n", -4, u"4"},  // older: not loaded, but followed
+        {"[a]\nx=6\n", 2, u"6"},   // newer than that
+    };
+    for (const auto& row : rows) {
+        WriteFile(m_path, row.file);
+        MoveTime(row.seconds);
+        EXPECT_EQ(ValueOf(file, u"a", u"x"), row.value) << row.file;
+    }
+    fs::remove(m_path);
+    EXPECT_EQ(ValueOf(file, u"a", u"x"), u"6") << "a file that is gone leaves the table";
+}
+
+TEST_F(IniFileTest, WhatCannotBeReadIsEmptyAndWhatCannotBeWrittenIsNotTold) {
+    fs::create_directory(m_path);
+    IniFile directory(m_name.c_str());
+    EXPECT_EQ(directory.SetString(u"a", u"x", u"1", true), 0);
+    EXPECT_EQ(TableOf(directory), u"[a]x=1;");
+    EXPECT_TRUE(fs::is_directory(m_path));
+    IniFile none(nullptr);
+    EXPECT_EQ(TableOf(none), u"");
+}
+
+Names Rest(IniFileIteratorBase& iterator) {
+    Names names;
+    while (iterator.HasNext()) {
+        names.push_back(iterator.Next());
+    }
+    return names;
+}
+
+TEST_F(IniFileTest, ChildrenAreFoundByExactSpelling) {
+    WriteFile(m_path,
+              "[a\\b]\nx=1\nW=2\n\n[a\\b\\c]\n\n[a\\d\\e]\n\n[A\\f]\n\n[a b]\n\n[a\\B\\g]\n\n"
+              "[ab\\c]\n\n[r\\]\n\n[r\\\\s]\n\n");
+    IniFile file(m_name.c_str());
+    const struct {
+        const char16_t* path;
+        Names children;
+        std::u16string keys;
+    } rows[] = {
+        {u"a", {u"B", u"b", u"d"}, u""}, {u"A", {u"f"}, u""},         {u"a\\b", {u"c"}, u"W x "},
+        {u"A\\B", {}, u"W x "},          {u"a\\B", {u"g"}, u"W x "},  {u"a\\d", {u"e"}, u""},
+        {u"a\\d\\e", {}, u""},           {u"A\\d", {}, u"<none>"},    {u"r", {u""}, u""},
+        {u"r\\", {u"s"}, u""},           {u"nothing", {}, u"<none>"}, {u"", {}, u"<none>"},
+    };
+    for (const auto& row : rows) {
+        IniFileSetIterator children(file, row.path);
+        EXPECT_EQ(children.GetName(), row.path);
+        EXPECT_EQ(Rest(children), row.children) << testing::PrintToString(row.path);
+        std::u16string keys;
+        try {
+            IniFileKeyIterator iterator(file, row.path);
+            for (const std::u16string& key : Rest(iterator)) {
+                keys += key + u' ';
+            }
+            EXPECT_THROW(iterator.Next(), EQXCoreException);
+        } catch (const EQXCoreException& exception) {
+            EXPECT_EQ(exception.m_result, QX_E_NOTFOUND);
+            keys = u"<none>";
+        }
+        EXPECT_EQ(keys, row.keys) << testing::PrintToString(row.path);
+    }
+    EXPECT_EQ(file.SetString(u"~", u"", u"", true), 0) << "the throwing iterator held nothing back";
+}
+
+constexpr int kWriters = 4;
+constexpr int kChanges = 20;
+
+// A look that falls into the second of the object's own last one does not see what others wrote in
+// it, and the next write then undoes that. An object without a look behind it sees everything, so
+// each change here is made through a new one.
+CHILD_ROLE(IniWriter) {
+    const std::u16string path = fs::path(arguments[0]).u16string();
+    for (int change = 0; change < kChanges; ++change) {
+        const std::string key = arguments[1] + "-" + std::to_string(change);
+        IniFile file(path.c_str());
+        file.SetString(u"shared", std::u16string(key.begin(), key.end()).c_str(), u"x", false);
+    }
+    return 0;
+}
+
+TEST_F(IniFileTest, ProcessesThatChangeOneFileLoseNothing) {
+    std::vector<ChildProcess> writers;
+    for (int writer = 0; writer < kWriters; ++writer) {
+        writers.emplace_back("IniWriter",
+                             ChildProcess::Arguments{m_path.string(), std::to_string(writer)});
+    }
+    for (ChildProcess& writer : writers) {
+        EXPECT_EQ(writer.Wait(), 0);
+    }
+    IniFile file(m_name.c_str());
+    EXPECT_EQ(file.GetKeys(u"SHARED").size(), std::size_t{kWriters * kChanges});
+}
+
+}  // namespace
