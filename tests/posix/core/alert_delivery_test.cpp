@@ -83,8 +83,10 @@ TEST(AlertDelivery, AnAssertionBreaksOrDoesWhatIsSet) {
         s_logged);
 }
 
-// What a traced or untraced child writes to its standard error.
+// What a traced or untraced child writes to its standard error. Its parent is untraced, and knows
+// so.
 std::string TracedText(bool traced) {
+    QXTrace(u"parent");
     int ends[2];
     EXPECT_EQ(0, pipe2(ends, O_CLOEXEC));
     ForkedChild child([&] {

@@ -8,6 +8,7 @@
 #include <optional>
 #include <string_view>
 
+#include "descriptors.h"
 #include "narrow_text.h"
 #include "platform/alerts.h"
 #include "platform/cancellation.h"
@@ -23,6 +24,9 @@ namespace {
 // program that traces much loses next to nothing.
 constinit std::atomic<u64> s_lastAnswer = 0;
 
+// The process that asked: a forked child does not inherit the tracer.
+constinit std::atomic<u32> s_asker = 0;
+
 u64 CoarseNanoseconds() noexcept {
     timespec now;
     ::clock_gettime(CLOCK_MONOTONIC_COARSE, &now);
@@ -31,7 +35,7 @@ u64 CoarseNanoseconds() noexcept {
 
 // Nothing if the kernel does not say.
 std::optional<bool> HasTracer() noexcept {
-    const int file = ::open("/proc/self/status", O_RDONLY | O_CLOEXEC);
+    const int file = AboveStandardStreams(::open("/proc/self/status", O_RDONLY | O_CLOEXEC));
     if (file < 0) {
         return std::nullopt;
     }
@@ -67,12 +71,14 @@ bool DebugOutputIsRead() noexcept {
     const ErrnoKeeper keepErrno;
     const u64 now = CoarseNanoseconds();
     const u64 last = s_lastAnswer.load(std::memory_order_relaxed);
-    if (last >> 1 == now) {
+    const u32 process = GetCurrentProcessId();
+    if (last >> 1 == now && s_asker.load(std::memory_order_relaxed) == process) {
         return (last & 1) != 0;
     }
     const CancellationOff cancellationOff;
     const std::optional<bool> answer = HasTracer();
     if (answer) {
+        s_asker.store(process, std::memory_order_relaxed);
         s_lastAnswer.store(now << 1 | (*answer ? 1 : 0), std::memory_order_relaxed);
     }
     return answer.value_or(false);
