@@ -2,6 +2,7 @@
 #define QX_PLATFORM_WINDOWS_FILES_NATIVE_H
 
 #include <algorithm>
+#include <iterator>
 
 #include "system_headers.h"
 
