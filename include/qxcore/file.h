@@ -45,17 +45,18 @@ QX_BEGIN_DECLS
 /**
  * Opens a file.
  *
- * @param path   the file; with QX_FILE_TEMPORARY it may be null or
- * empty, and a new file in the directory for temporary files is opened, or else it is created.
+ * @param path   the file; with QX_FILE_TEMPORARY it may be null or empty, and a new file in the
+ *               directory for temporary files is opened, or else it is created.
  * @param flags  of the above.
  * @param mode   with QX_FILE_CREATE: without any of the bits 0222 a new file gets the read-only
- * attribute.
+ *               attribute.
  * @param file   receives the handle, which the caller closes with QXFileClose; the invalid one on
- * failure.
+ *               failure.
  * @return QX_S_OK; 2: QX_FILE_CREATE without QX_FILE_EXCLUSIVE has made the file, so test for
- * negative; QX_E_ACCESSDENIED also for a directory, and for writing to a file with the read-only
- * attribute; QX_E_FAIL also for an exclusive creation of what is there; or the system's failure. If
- * only the move of QX_FILE_APPEND fails, the handle is open all the same.
+ *         negative; QX_E_ACCESSDENIED also for a directory, and for writing to a file with the
+ *         read-only attribute; QX_E_FAIL also for an exclusive creation of what is there; or the
+ *         system's failure. If only the move of QX_FILE_APPEND fails, the handle is open all the
+ *         same.
  */
 QX_API QXResult QXFileOpen(const wchar* path, uint32_t flags, int32_t mode, QXHandle* file);
 
@@ -87,7 +88,8 @@ QX_API QXResult QXFileRead(QXHandle file, void* buffer, uint32_t count, uint32_t
  * @param count   their number.
  * @param done    receives the number of those written.
  * @return QX_S_OK, also when fewer were written than `count`; QX_E_ACCESSDENIED without write
- * access; QX_E_FAIL also for a pipe that nobody reads, and on a full disk; or the system's failure.
+ *         access; QX_E_FAIL also for a pipe that nobody reads, and on a full disk; or the system's
+ *         failure.
  */
 QX_API QXResult QXFileWrite(QXHandle file, const void* buffer, uint32_t count, uint32_t* done);
 
@@ -99,7 +101,7 @@ QX_API QXResult QXFileWrite(QXHandle file, const void* buffer, uint32_t count, u
  * @param origin    from 0 the start, 1 the position, 2 the end.
  * @param position  receives the low 32 bits of the new position; all ones on failure.
  * @return QX_S_OK, or the system's failure: QX_E_FAIL for another origin, and for a place before
- * the start or at 4 GiB or behind.
+ *         the start or at 4 GiB or behind.
  */
 QX_API QXResult QXFileSeek(QXHandle file, int32_t offset, uint32_t origin, uint32_t* position);
 
@@ -139,7 +141,7 @@ QX_API QXResult QXFileGetSize(QXHandle file, uint64_t* size);
  * @param length  bytes; 0 locks nothing.
  * @param flags   of the above; 0 asks for an exclusive lock and does not wait.
  * @return QX_S_OK; QX_E_FAIL: some of the bytes are locked, on Linux also by the handle itself
- * unless both locks are shared; or the system's failure.
+ *         unless both locks are shared; or the system's failure.
  */
 QX_API QXResult QXFileLock(QXHandle file, uint32_t offset, uint32_t length, uint32_t flags);
 
@@ -158,7 +160,7 @@ QX_API QXResult QXFileUnlock(QXHandle file, uint32_t offset, uint32_t length);
  *
  * @param path  the file.
  * @return QX_S_OK; QX_E_ACCESSDENIED also for a directory and for a file with the read-only
- * attribute; or the system's failure.
+ *         attribute; or the system's failure.
  */
 QX_API QXResult QXFileDelete(const wchar* path);
 
@@ -171,7 +173,7 @@ QX_API QXResult QXFileDelete(const wchar* path);
  * @param flags        of QXFileOpen, for the destination; QX_FILE_WRITE is added.
  * @param mode         of QXFileOpen, for the destination.
  * @param file         null, or receives the destination's handle, positioned behind the copy: the
- * caller closes it. The invalid handle on failure.
+ *                     caller closes it. The invalid handle on failure.
  * @return QX_S_OK; what QXFileOpen gives for either file; QX_E_FAIL: not all was written;
  *         QX_E_OUTOFMEMORY: both files then stay open; or the system's failure of a write.
  */
@@ -203,9 +205,9 @@ typedef struct QXDirEntry {
  * Opens the listing of a directory.
  *
  * @param path       the directory; wild cards are ordinary characters of its name. The empty path
- * is the root. A path that ends in ":" is the current directory of a drive.
+ *                   is the root. A path that ends in ":" is the current directory of a drive.
  * @param directory  receives the handle, which the caller closes with QXDirClose; the invalid one
- * on failure. It belongs to one thread at a time.
+ *                   on failure. It belongs to one thread at a time.
  * @return QX_S_OK; QX_E_OUTOFMEMORY; or the system's failure.
  */
 QX_API QXResult QXDirOpen(const wchar* path, QXHandle* directory);
@@ -253,7 +255,7 @@ QX_API QXResult QXDirRemove(const wchar* path);
  * @param buffer    receives it; left alone when it is too small.
  * @param capacity  16-bit units of the buffer.
  * @return QX_S_OK, also when the buffer is too small; QX_E_FAIL for the empty path, or the system's
- * failure.
+ *         failure.
  */
 QX_API QXResult QXPathExpand(const wchar* path, wchar* buffer, uint32_t capacity);
 

@@ -53,7 +53,7 @@ QX_API wchar* QXFileGetLineUTF16(wchar* buffer, int32_t size, struct UFILE* file
  * @param line  wide text.
  * @param file  the file.
  * @return the 16-bit units that were taken, the two of the line end included. What the system did
- * not take of them is not told.
+ *         not take of them is not told.
  */
 QX_API int32_t QXFileWriteLineUTF16(const wchar* line, struct UFILE* file);
 

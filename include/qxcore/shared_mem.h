@@ -16,20 +16,14 @@
 #ifndef QXCORE_SHARED_MEM_H
 #define QXCORE_SHARED_MEM_H
 
+#include <qxcore/file.h>
 #include <qxcore/result.h>
-
-/** Flags of QXSharedMemOpen and QXSharedMemAttach. */
-#define QX_FILE_READ 0x80000000u  /**< read access */
-#define QX_FILE_WRITE 0x40000000u /**< write access, and with it read access to a view */
-#define QX_FILE_EXCLUSIVE                                                                      \
-    0x00000400u                    /**< with QX_FILE_CREATE: it must not exist; alone the same \
-                                        as QX_FILE_CREATE */
-#define QX_FILE_CREATE 0x00000100u /**< create it if it does not exist */
 
 QX_BEGIN_DECLS
 
 /**
- * Opens a mapping.
+ * Opens a mapping, with flags of QXFileOpen: QX_FILE_READ, QX_FILE_WRITE, QX_FILE_CREATE,
+ * QX_FILE_EXCLUSIVE, the last of which alone does what QX_FILE_CREATE does.
  *
  * With QX_FILE_CREATE or QX_FILE_EXCLUSIVE one that does not exist is created, of zeros, and the
  * handle has all access; otherwise it must exist, and the handle has read access for QX_FILE_READ

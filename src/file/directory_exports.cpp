@@ -1,14 +1,13 @@
 #include <qxcore/file.h>
 #include <qxcore/string.h>
-#include <qxcore/time.h>
 
-#include <bit>
 #include <cstddef>
 #include <iterator>
 #include <memory>
 #include <new>
 #include <string>
 
+#include "file/entry_times.h"
 #include "platform/errors.h"
 #include "platform/files.h"
 
@@ -26,6 +25,7 @@ constexpr u32 kDirectoryType = 040000;
 struct DirectoryListing {
     std::u16string m_pattern;
     platform::HANDLE m_find = QX_INVALID_HANDLE;
+    EntryTimes m_times;
 };
 
 std::u16string PatternOf(std::u16string path) {
@@ -51,28 +51,16 @@ u32 ModeOf(u32 attributes) {
     return kReadableByAll | (isReadOnly ? 0 : kWritableByAll) | (isDirectory ? kDirectoryType : 0);
 }
 
-// By way of the local time, which is read with today's season.
-i64 SecondsOf(const platform::FILETIME& time) {
-    platform::FILETIME local;
-    platform::SYSTEMTIME record;
-    i64 seconds = 0;
-    if (!platform::FileTimeToLocalFileTime(&time, &local) ||
-        !platform::FileTimeToSystemTime(&local, &record)) {
-        return 0;
-    }
-    const QXTimeRecord calendar = std::bit_cast<QXTimeRecord>(record);
-    return QX_SUCCEEDED(QXTimeToPosix(&calendar, &seconds)) ? seconds : 0;
-}
-
-void StoreEntry(const platform::FoundFile& found, QXDirEntry* entry) {
+void StoreEntry(const platform::FoundFile& found, EntryTimes& times, QXDirEntry* entry) {
     QXStrNCpyW(entry->name, found.cFileName, std::size(entry->name));
     QXStrNCpyW(entry->shortName, found.cAlternateFileName, std::size(entry->shortName));
     entry->sizeHigh = found.nFileSizeHigh;
     entry->sizeLow = found.nFileSizeLow;
     entry->mode = ModeOf(found.dwFileAttributes);
-    entry->createTime = SecondsOf(found.ftCreationTime);
-    entry->accessTime = SecondsOf(found.ftLastAccessTime);
-    entry->writeTime = SecondsOf(found.ftLastWriteTime);
+    times.Refresh();
+    entry->createTime = times.SecondsOf(found.ftCreationTime);
+    entry->accessTime = times.SecondsOf(found.ftLastAccessTime);
+    entry->writeTime = times.SecondsOf(found.ftLastWriteTime);
 }
 
 // Looks whether there is anything to list, and keeps nothing of it.
@@ -104,11 +92,12 @@ QXResult QXDirOpen(const wchar* path, QXHandle* directory) {
 }
 
 QXResult QXDirRead(QXHandle directory, QXDirEntry* entry, uint32_t) {
+    auto* const listing = static_cast<DirectoryListing*>(directory);
     platform::FoundFile found;
-    if (!Step(static_cast<DirectoryListing*>(directory), &found)) {
+    if (!Step(listing, &found)) {
         return QXResultFromNative(platform::GetLastError());
     }
-    StoreEntry(found, entry);
+    StoreEntry(found, listing->m_times, entry);
     return QX_S_OK;
 }
 

@@ -1,6 +1,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <qxcore/file.h>
+#include <qxcore/time.h>
 #include <signal.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -9,6 +10,7 @@
 
 #include <cerrno>
 #include <fstream>
+#include <map>
 #include <set>
 #include <string>
 #include <thread>
@@ -119,6 +121,45 @@ TEST_F(FileStandIn, EntriesThatGoDuringAListingArePassedOver) {
     }
     QXDirClose(directory);
     EXPECT_LT(listed, 5);
+}
+
+// What the steps of a conversion give, one by one.
+int64_t SecondsByTheSteps(time_t seconds) {
+    const time_t now = time(nullptr);
+    tm local;
+    localtime_r(&now, &local);
+    const time_t shifted = seconds + local.tm_gmtoff;
+    tm calendar;
+    gmtime_r(&shifted, &calendar);
+    QXTimeRecord record;
+    QXTimeFromTM(&calendar, &record);
+    int64_t result = 0;
+    return QXTimeToPosix(&record, &result) == QX_S_OK ? result : 0;
+}
+
+TEST_F(FileStandIn, TimesOfEntriesAreThoseOfTheStepsAlsoWhereTheZoneChanged) {
+    setenv("TZ", "Europe/Moscow", 1);
+    tzset();
+    std::map<std::u16string, int64_t> expected;
+    constexpr time_t kZoneChanged = 1414274400;
+    for (int i = -200; i < 200; ++i) {
+        const time_t seconds = kZoneChanged + i * (i % 2 == 0 ? 1801 : 90'061);
+        const std::string name = std::to_string(i);
+        Touch(name);
+        const timespec times[2] = {{seconds, 0}, {seconds, 999'999'999}};
+        ASSERT_EQ(utimensat(AT_FDCWD, Bytes(name).c_str(), times, 0), 0);
+        expected[std::u16string(name.begin(), name.end())] = SecondsByTheSteps(seconds);
+    }
+    QXHandle directory;
+    QXDirEntry entry;
+    ASSERT_EQ(QXDirOpen(m_directory.Path().u16string().c_str(), &directory), QX_S_OK);
+    while (QXDirRead(directory, &entry, 0) == QX_S_OK) {
+        if (entry.name[0] != u'.') {
+            EXPECT_EQ(entry.writeTime, expected[entry.name]);
+            EXPECT_EQ(entry.accessTime, expected[entry.name]);
+        }
+    }
+    QXDirClose(directory);
 }
 
 TEST_F(FileStandIn, DescriptorsAreNoStandardOnesAndNotInherited) {

@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <new>
+#include <typeinfo>
 
 #include "../cancellation.h"
 #include "platform/errors.h"
@@ -39,9 +40,15 @@ u32 FileObject::Wait(u32) noexcept {
     return kWaitFailed;
 }
 
+// A dynamic cast would cost as much as the rest of a short operation.
+FileObject* FileObject::Of(CheckedObject* object) noexcept {
+    const bool isFile = object != nullptr && typeid(*object) == typeid(FileObject);
+    return isFile ? static_cast<FileObject*>(object) : nullptr;
+}
+
 FileReference::FileReference(HANDLE handle) noexcept
-    : m_reference(handle), m_file(dynamic_cast<FileObject*>(m_reference.Get())) {
-    if (m_file == nullptr) {
+    : m_reference(handle), m_file(FileObject::Of(m_reference.Get())) {
+    if (m_file == nullptr) [[unlikely]] {
         SetLastError(kErrorInvalidHandle);
     }
 }

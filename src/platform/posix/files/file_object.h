@@ -20,6 +20,9 @@ class FileObject final : public CheckedObject {
         : m_file(std::move(file)), m_access(access), m_isPipe(isPipe) {}
     ~FileObject() override;
 
+    // Null if it is none.
+    static FileObject* Of(CheckedObject* object) noexcept;
+
     int Descriptor() const noexcept { return m_file.Get(); }
     bool IsPipe() const noexcept { return m_isPipe; }
     bool MayRead() const noexcept;
