@@ -26,6 +26,7 @@
 #include <qxcore/mutex.h>
 #include <qxcore/named_semaphore.h>
 #include <qxcore/option.h>
+#include <qxcore/process.h>
 #include <qxcore/registry.h>
 #include <qxcore/result.h>
 #include <qxcore/rwlock.h>

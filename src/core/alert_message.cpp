@@ -5,6 +5,7 @@
 
 #include "core/debug_lock.h"
 #include "core/wide_format.h"
+#include "platform/processes.h"
 
 namespace {
 

@@ -38,7 +38,6 @@ bool DeregisterEventSource(EventSource log) noexcept;
 // session, and nobody reads it.
 constexpr u32 kNoSession = 0xFFFFFFFF;
 
-u32 GetCurrentProcessId() noexcept;
 bool ProcessIdToSessionId(u32 process, u32* session) noexcept;
 
 // The system's "WTSGetActiveConsoleSessionId", which gives kNoSession while nobody is at the

@@ -11,8 +11,8 @@
 
 namespace platform {
 
-// Nothing here blocks, allocates (but for wcstod) or sets the last error. Wide units are 16 bits.
-// "The locale" is the process's own, or the calling thread's if it has one.
+// Nothing here blocks, allocates (but for wcstod and where it is said) or sets the last error. Wide
+// units are 16 bits. "The locale" is the process's own, or the calling thread's if it has one.
 
 // Comparisons give the difference of the first pair of units that differ when both are mapped to
 // lower case, or 0. ASCII letters are mapped as such in every locale, wide units above by the
@@ -21,6 +21,9 @@ int _stricmp(const char* first, const char* second) noexcept;
 int _strnicmp(const char* first, const char* second, std::size_t count) noexcept;
 int _wcsicmp(const char16_t* first, const char16_t* second) noexcept;
 int _wcsnicmp(const char16_t* first, const char16_t* second, std::size_t count) noexcept;
+
+// Compares by the locale's collation, without regard to case. May allocate.
+int _wcsicoll(const char16_t* first, const char16_t* second) noexcept;
 
 // Map a text in place, by the same rules, and give its address.
 char* _strlwr(char* text) noexcept;

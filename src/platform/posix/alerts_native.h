@@ -7,10 +7,6 @@
 
 namespace platform {
 
-inline std::uint32_t GetCurrentProcessId() noexcept {
-    return static_cast<std::uint32_t>(::getpid());
-}
-
 inline bool ProcessIdToSessionId(std::uint32_t process, std::uint32_t* session) noexcept {
     *session = static_cast<std::uint32_t>(::getsid(static_cast<pid_t>(process)));
     return true;

@@ -1,6 +1,6 @@
-// Handles that are recognised when they have been closed: those of threads and of mappings. They
-// are odd numbers, which no address of an object is, and none is given twice. The pseudo handles of
-// the current process and thread, which no table knows, are negative.
+// Handles that are recognised when they have been closed: those of threads, processes, files and
+// mappings. They are odd numbers, which no address of an object is, and none is given twice. The
+// pseudo handles of the current process and thread, which no table knows, are negative.
 #ifndef QX_PLATFORM_POSIX_CHECKED_HANDLES_H
 #define QX_PLATFORM_POSIX_CHECKED_HANDLES_H
 
@@ -20,6 +20,7 @@ class CheckedObject : public Object, public TableEntry {
     std::atomic<u32> m_references{1};
 };
 
+inline void* const kCurrentProcess = reinterpret_cast<void*>(std::intptr_t{-1});
 inline void* const kCurrentThread = reinterpret_cast<void*>(std::intptr_t{-2});
 
 // True for null and the pseudo handles too.

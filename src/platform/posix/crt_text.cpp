@@ -3,6 +3,11 @@
 #include "platform/crt_text.h"
 
 #include <cstdint>
+#include <cwchar>
+#include <new>
+#include <string>
+
+#include "utf8.h"
 
 namespace platform {
 namespace {
@@ -41,6 +46,18 @@ Unit* MapInPlace(Unit* text, Map map) noexcept {
     return text;
 }
 
+// In the C library's own wide characters.
+std::wstring LowerWide(const char16_t* text) {
+    std::wstring lower;
+    while (*text != 0) {
+        const utf::Decoded read = utf::DecodeUtf16(text, UINT64_MAX);
+        lower += read.units == 1 ? static_cast<wchar_t>(towlower(*text))
+                                 : static_cast<wchar_t>(read.character);
+        text += read.units;
+    }
+    return lower;
+}
+
 }  // namespace
 
 int _stricmp(const char* first, const char* second) noexcept {
@@ -57,6 +74,14 @@ int _wcsicmp(const char16_t* first, const char16_t* second) noexcept {
 
 int _wcsnicmp(const char16_t* first, const char16_t* second, std::size_t count) noexcept {
     return CompareLower(first, second, count);
+}
+
+int _wcsicoll(const char16_t* first, const char16_t* second) noexcept {
+    try {
+        return std::wcscoll(LowerWide(first).c_str(), LowerWide(second).c_str());
+    } catch (const std::bad_alloc&) {
+        return _wcsicmp(first, second);
+    }
 }
 
 char* _strlwr(char* text) noexcept {

@@ -10,6 +10,7 @@
 #include "checked_handles.h"
 #include "platform/lifetime.h"
 #include "platform/threads.h"
+#include "processes/started_process.h"
 #include "registry_lifetime.h"
 #include "shared/view_table.h"
 #include "thread_object.h"
@@ -55,6 +56,7 @@ void BeforeFork() {
     Call(s_beforeFork);
     CloseRegistryStoresForFork();
     HoldCalendarForFork();
+    LockStartedProcesses();
     LockCheckedHandles();
     LockViews();
 }
@@ -62,6 +64,7 @@ void BeforeFork() {
 void LetGo() {
     UnlockViews();
     UnlockCheckedHandles();
+    UnlockStartedProcesses();
     FreeCalendarAfterFork();
     FreeRegistryStoresAfterFork();
     Call(s_afterFork);

@@ -32,10 +32,6 @@ inline bool DeregisterEventSource(void* log) noexcept {
     return ::DeregisterEventSource(log) != 0;
 }
 
-inline u32 GetCurrentProcessId() noexcept {
-    return ::GetCurrentProcessId();
-}
-
 inline bool ProcessIdToSessionId(u32 process, u32* session) noexcept {
     return ::ProcessIdToSessionId(process, Native(session)) != 0;
 }

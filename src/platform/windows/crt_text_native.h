@@ -34,6 +34,10 @@ inline int _wcsnicmp(const char16_t* first, const char16_t* second, std::size_t 
     return ::_wcsnicmp(Native(first), Native(second), count);
 }
 
+inline int _wcsicoll(const char16_t* first, const char16_t* second) noexcept {
+    return ::_wcsicoll(Native(first), Native(second));
+}
+
 inline char* _strlwr(char* text) noexcept {
     return ::_strlwr(text);
 }

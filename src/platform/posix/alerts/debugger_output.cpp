@@ -13,6 +13,7 @@
 #include "platform/alerts.h"
 #include "platform/cancellation.h"
 #include "platform/errors.h"
+#include "platform/processes.h"
 #include "write_signals.h"
 
 namespace platform {

@@ -54,6 +54,22 @@ u32 FilePath::Convert(const char16_t* path) noexcept {
     return kErrorSuccess;
 }
 
+bool AppendBytes(std::u16string_view text, std::string& bytes) {
+    while (!text.empty()) {
+        const utf::Decoded read = utf::DecodeUtf16(text.data(), text.size());
+        if (read.character != utf::kIllFormed) {
+            const auto encoded = utf::EncodeUtf8(read.character);
+            bytes.append(encoded.units, encoded.length);
+        } else if (const int byte = CarriedByte(text.front()); byte >= 0) {
+            bytes += static_cast<char>(byte);
+        } else {
+            return false;
+        }
+        text.remove_prefix(read.units);
+    }
+    return true;
+}
+
 std::size_t UnitsOfPath(const char* bytes, std::size_t length, char16_t* units) noexcept {
     std::size_t written = 0;
     for (std::size_t i = 0; i < length;) {

@@ -3,6 +3,8 @@
 #define QX_PLATFORM_POSIX_FILES_FILE_PATH_H
 
 #include <cstddef>
+#include <string>
+#include <string_view>
 
 #include "platform/types.h"
 
@@ -26,6 +28,10 @@ class FilePath {
     u32 m_error;
     char m_text[kLimit];
 };
+
+// Appends a text in the form that paths have, but for `\`, which stays: names of files in it are
+// those on disk. False for text that is none.
+bool AppendBytes(std::u16string_view text, std::string& bytes);
 
 // The units of a name or a path on disk, whose separators become `/`; no byte becomes more than
 // one. Returns their number; there is no terminator.
