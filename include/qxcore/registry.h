@@ -58,6 +58,10 @@
 #define QX_REG_EXPAND_STRING 4u /**< wide text with references `%NAME%` to the environment */
 #define QX_REG_MULTI_STRING 5u  /**< texts in a row, an empty one at the end */
 
+/** The kinds of stores that QXRegistryMigrate knows. */
+#define QX_REGSTORE_NATIVE 0u /**< the native registry */
+#define QX_REGSTORE_INI 1u    /**< the file "qxregistry.ini" in the current directory */
+
 QX_BEGIN_DECLS
 
 /**
@@ -190,6 +194,41 @@ QX_API QXResult QXRegistryEnumNextValue(QXHandle handle, wchar* name, uint32_t* 
  * @return QX_S_OK, always.
  */
 QX_API QXResult QXRegistryCloseEnum(QXHandle handle);
+
+/**
+ * Copies all values of all roots from one store to another.
+ *
+ * A value of the same name is overwritten there; nothing else in the destination changes, and keys
+ * without values do not move. What cannot be read or is not accepted is left out, and the result
+ * does not tell: names of 256 units and more (which end the walk of their key), values of more than
+ * 2048 bytes, and from the native store to the file all but text. When the ini file was the source
+ * and the copy has run through, the file is deleted, whether all of it arrived or not. A native
+ * source stays.
+ *
+ * The ini file is text in the process's narrow encoding. A section, "[name]" in a line of its own,
+ * is a key: "QX_HKEY_CLASSES", "QX_HKEY_CONFIG", "QX_HKEY_CLASSES_64", "QX_HKEY_CONFIG_64" or
+ * "QX_HKEY_USER\", the user's name, and then a separator and the path. Each line "name=value" is a
+ * text value, and an empty line ends the section. Comments, which begin with "#", ":" or ";", are
+ * for between sections; a line inside a section that holds no "=" ends the reading of the file.
+ * Other users' sections, sections of other names, and prefixes in another case than above do not
+ * move; they go with the file. Line ends of either kind are read. Lines of more than 510 bytes,
+ * names with "=", and spaces at the ends of names and values do not survive the way through the
+ * file, nor do names and values with line ends.
+ *
+ * One migration at a time in a process, and none in a child that was forked during one. Waits for
+ * as long as another process works on such a file, whichever.
+ *
+ * @param sourceKind       a QX_REGSTORE_ kind.
+ * @param reserved1        not used.
+ * @param destinationKind  a QX_REGSTORE_ kind; it may be that of the source.
+ * @param reserved2        not used.
+ * @return QX_S_OK, also without a file to read; QX_E_BADKEY for an unknown kind: then nothing was
+ *         done; the failure of a native key that cannot be listed, QX_E_FAIL whatever the reason;
+ *         what the file's semaphore or QXGetUserName fails with; QX_E_OUTOFMEMORY. After a failure
+ *         what was copied stays, and the file is not deleted.
+ */
+QX_API QXResult QXRegistryMigrate(uint32_t sourceKind, uintptr_t reserved1,
+                                  uint32_t destinationKind, uintptr_t reserved2);
 
 QX_END_DECLS
 

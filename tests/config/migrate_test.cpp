@@ -1,0 +1,179 @@
+#include <qxcore/system.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+
+#include "config/registry_support.h"
+#include "support/allocation_fault.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr uint32_t kNative = QX_REGSTORE_NATIVE;
+constexpr uint32_t kIni = QX_REGSTORE_INI;
+
+QXResult Migrate(uint32_t source, uint32_t destination) {
+    return QXRegistryMigrate(source, 0, destination, 0);
+}
+
+// Everything happens in a directory of the test's own.
+class Migration : public Registry {
+  protected:
+    Migration() { fs::current_path(m_directory.Path()); }
+    ~Migration() override { fs::current_path(m_before); }
+
+    static void Write(const std::string& bytes) {
+        std::ofstream("qxregistry.ini", std::ios::binary) << bytes;
+    }
+    static std::string Read() {
+        std::ifstream file("qxregistry.ini");
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+    static bool FileIsThere() { return fs::exists("qxregistry.ini"); }
+    // "QX_HKEY_USER\name", of which tests need ASCII alone.
+    static std::string UserSection() {
+        char16_t name[127];
+        EXPECT_EQ(QXGetUserName(name, 127), 0);
+        const std::u16string text = name;
+        std::string narrow = "QX_HKEY_USER\\";
+        std::transform(text.begin(), text.end(), std::back_inserter(narrow),
+                       [](char16_t unit) { return static_cast<char>(unit); });
+        return narrow;
+    }
+
+  private:
+    const fs::path m_before = fs::current_path();
+    TemporaryDirectory m_directory;
+};
+
+TEST_F(Migration, MovesEachRootFromTheFileToTheRegistry) {
+    ASSERT_EQ(SetText(u"k", u"there", u"old", QX_HKEY_CONFIG), 0);
+    ASSERT_EQ(SetText(u"k", u"Mine", u"kept", QX_HKEY_CONFIG), 0);
+    Write(
+        "[QX_HKEY_CLASSES]\r\n=zero\r\n\r\n"
+        "[QX_HKEY_CLASSES_64\\a\\b]\r\nn=three\r\n\r\n"
+        "[QX_HKEY_CONFIG\\K]\nTHERE=new\n\n"
+        "[QX_HKEY_CONFIG_64\\a]\nn=four\n\n"
+        "[QX_HKEY_CONFIG_64\\empty]\n\n"
+        "[" +
+        UserSection() +
+        "\\a]\nn=two\n\n"
+        "[QX_HKEY_USER\\" +
+        std::string("somebody else\\a]\nm=x\n\n") +
+        "[qx_hkey_config\\b]\nn=x\n\n"
+        "[stray\\a]\nn=x\n\n");
+    EXPECT_EQ(Migrate(kIni, kNative), QX_S_OK);
+    EXPECT_FALSE(FileIsThere());
+    const struct {
+        int32_t root;
+        const char16_t* path;
+        const char16_t* name;
+        const char16_t* value;
+    } rows[] = {
+        {QX_HKEY_CLASSES, u"", u"", u"zero"},
+        {QX_HKEY_CLASSES_64, u"a\\b", u"n", u"three"},
+        {QX_HKEY_CONFIG, u"k", u"there", u"new"},
+        {QX_HKEY_CONFIG, u"k", u"Mine", u"kept"},
+        {QX_HKEY_CONFIG, u"b", u"n", u"<not found>"},
+        {QX_HKEY_CONFIG_64, u"a", u"n", u"four"},
+        {QX_HKEY_CONFIG_64, u"empty", u"", u"<not found>"},
+        {QX_HKEY_USER, u"a", u"n", u"two"},
+        {QX_HKEY_USER, u"a", u"m", u"<not found>"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(Text(row.path, row.name, row.root), row.value) << row.root;
+    }
+    EXPECT_EQ(SubkeysOf(u"", QX_HKEY_CONFIG_64), (std::vector<std::u16string>{u"a"}));
+    uint32_t length = 0;
+    EXPECT_EQ(QXRegistryGetValue(QX_HKEY_USER, u"a", u"n", nullptr, nullptr, &length), QX_S_OK);
+    EXPECT_EQ(length, 8u) << "with its terminator";
+}
+
+TEST_F(Migration, AFileThatIsNotThereIsAnEmptyOne) {
+    EXPECT_EQ(Migrate(kIni, kNative), QX_S_OK);
+    EXPECT_EQ(Migrate(kIni, kIni), QX_S_OK);
+    EXPECT_EQ(Migrate(kNative, kIni), QX_S_OK) << "an empty registry is no failure";
+    EXPECT_FALSE(FileIsThere());
+    fs::create_directory("qxregistry.ini");
+    EXPECT_EQ(Migrate(kIni, kNative), QX_S_OK);
+    EXPECT_TRUE(FileIsThere()) << "a directory is not deleted";
+}
+
+TEST_F(Migration, RefusesUnknownKindsBeforeItTouchesAnything) {
+    const std::string text = "[QX_HKEY_CONFIG]\nx=1\n\n";
+    Write(text);
+    for (const auto& [source, destination] :
+         {std::pair{kNative, 5u}, {5u, kNative}, {kIni, 2u}, {2u, 2u}, {0xFFFFFFFF, kIni}}) {
+        EXPECT_EQ(Migrate(source, destination), QX_E_BADKEY);
+    }
+    EXPECT_EQ(Read(), text);
+    EXPECT_NE(Exists(QX_HKEY_CONFIG, u"", u"x"), QX_S_OK);
+}
+
+TEST_F(Migration, FromTheFileToItselfEndsWithoutIt) {
+    Write("[QX_HKEY_CONFIG]\nx=1\n\n");
+    EXPECT_EQ(Migrate(kIni, kIni), QX_S_OK);
+    EXPECT_FALSE(FileIsThere());
+}
+
+TEST_F(Migration, FromTheRegistryToTheFileMovesTextAlone) {
+    const std::u16string longText(1024, u'x');
+    ASSERT_EQ(SetText(u"a\\b", u"n", u"deep", QX_HKEY_CONFIG), 0);
+    ASSERT_EQ(SetText(u"a", u"n", u"text", QX_HKEY_USER), 0);
+    ASSERT_EQ(SetText(u"a", u"long", longText, QX_HKEY_USER), 0);
+    ASSERT_EQ(SetText(u"a", u"many", u"texts", QX_HKEY_USER, QX_REG_MULTI_STRING), 0);
+    ASSERT_EQ(SetText(u"a", u"bytes", u"b", QX_HKEY_USER, QX_REG_BINARY), 0);
+    ASSERT_EQ(SetText(u"a", u"last", u"e%%", QX_HKEY_USER, QX_REG_EXPAND_STRING), 0);
+    ASSERT_EQ(QXRegistrySetValue(QX_HKEY_USER, u"a", u"bare", QX_REG_STRING, u"abc", 4), 0);
+    Write("[QX_HKEY_CONFIG]\nx=1\n\n");
+    EXPECT_EQ(Migrate(kNative, kIni), QX_S_OK);
+    EXPECT_EQ(Read(), "[QX_HKEY_CONFIG]\nx=1\n\n[QX_HKEY_CONFIG\\a\\b]\nn=deep\n\n[" +
+                          UserSection() + "\\a]\nbare=ab\nlast=e%%\nn=text\n\n");
+    EXPECT_EQ(Text(u"a", u"n"), u"text") << "the source stays";
+    ASSERT_EQ(QXRegistryDeleteKey(QX_HKEY_USER, u"a"), 0);
+    EXPECT_EQ(Migrate(kIni, kNative), QX_S_OK);
+    EXPECT_EQ(Text(u"a", u"last"), u"e%%");
+    EXPECT_EQ(Text(u"a\\b", u"n", QX_HKEY_CONFIG), u"deep");
+}
+
+TEST_F(Migration, WalksEndAtNamesThatAreTooLongAndAtRootsBelowThemselves) {
+    const std::string longName(256, 'm');
+    Write(
+        "[QX_HKEY_CONFIG\\]\nx=1\n\n"
+        "[QX_HKEY_CONFIG\\a\\]\nx=2\n\n"
+        "[QX_HKEY_CONFIG\\k\\a]\nx=3\n\n"
+        "[QX_HKEY_CONFIG\\k\\" +
+        longName +
+        "]\nx=4\n\n"
+        "[QX_HKEY_CONFIG\\k\\z]\nx=5\n\n"
+        "[QX_HKEY_CONFIG\\l]\na=6\n" +
+        longName + "=7\nz=8\n\n");
+    EXPECT_EQ(Migrate(kIni, kNative), QX_S_OK);
+    EXPECT_NE(Exists(QX_HKEY_CONFIG, u"", u"x"), QX_S_OK);
+    EXPECT_EQ(Text(u"a", u"x", QX_HKEY_CONFIG), u"2");
+    EXPECT_EQ(SubkeysOf(u"k", QX_HKEY_CONFIG), (std::vector<std::u16string>{u"a"}));
+    EXPECT_EQ(Text(u"l", u"a", QX_HKEY_CONFIG), u"6");
+    EXPECT_EQ(Text(u"l", u"z", QX_HKEY_CONFIG), u"<not found>");
+}
+
+TEST_F(Migration, AFailureHoldsNothingBackAndLeavesTheFile) {
+    const std::string text = "[QX_HKEY_CONFIG\\a]\nx=1\n\n[QX_HKEY_CONFIG_64\\a\\b]\ny=2\n\n";
+    bool struck = true;
+    int failed = 0;
+    for (int n = 1; struck; ++n) {
+        Write(text);
+        FailAllocation(n);
+        const QXResult result = Migrate(kIni, kNative);
+        struck = AllocationHasFailed();
+        FailAllocation(0);
+        EXPECT_EQ(FileIsThere(), result != QX_S_OK) << n;
+        failed += result == QX_E_OUTOFMEMORY ? 1 : 0;
+    }
+    EXPECT_GT(failed, 10);
+    EXPECT_FALSE(FileIsThere());
+    EXPECT_EQ(Text(u"a\\b", u"y", QX_HKEY_CONFIG_64), u"2");
+}
+
+}  // namespace
