@@ -1,0 +1,342 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <qxcore.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <string>
+
+#include "posix/support/forked_child.h"
+#include "support/child_role.h"
+#include "support/system.h"
+
+namespace {
+
+using Wide = std::u16string;
+
+const QXHandle kPipe = QX_INVALID_HANDLE;
+
+std::string ReadAll(QXHandle file) {
+    std::string all;
+    char buffer[4096];
+    uint32_t count = 0;
+    while (QX_SUCCEEDED(QXFileRead(file, buffer, sizeof buffer, &count))) {
+        all.append(buffer, count);
+    }
+    return all;
+}
+
+QXResult Start(const Wide& program, const Wide& arguments, QXHandle* standardHandles,
+               QXHandle* child, const wchar* const* environment = nullptr) {
+    return QXProcessCreate(program.c_str(), arguments.c_str(), nullptr, environment, 0,
+                           standardHandles, child);
+}
+
+uint32_t CodeOf(QXHandle child) {
+    uint32_t code = 12345;
+    EXPECT_EQ(QX_S_OK, QXProcessJoin(child, &code));
+    return code;
+}
+
+std::string OutputOf(const Wide& program, const Wide& arguments,
+                     const wchar* const* environment = nullptr) {
+    QXHandle ends[3] = {nullptr, kPipe, kPipe};
+    QXHandle child = nullptr;
+    EXPECT_EQ(QX_S_OK, Start(program, arguments, ends, &child, environment));
+    const std::string output = ReadAll(ends[1]);
+    QXFileClose(ends[1]);
+    QXFileClose(ends[2]);
+    EXPECT_EQ(0u, CodeOf(child));
+    return output;
+}
+
+bool HasChildren() {
+    siginfo_t any;
+    return ::waitid(P_ALL, 0, &any, WEXITED | WNOHANG | WNOWAIT) == 0;
+}
+
+CHILD_ROLE(PrintArguments) {
+    for (const std::string& argument : arguments) {
+        std::printf("<%s>", argument.c_str());
+    }
+    return 0;
+}
+
+TEST(ProcessStandIn, CommandLineIsSplitByTheReferencePlatformsRules) {
+    const struct {
+        const char16_t* line;
+        const char* arguments;
+    } cases[] = {{u"", ""},
+                 {u" \t ", ""},
+                 {u"a  b\tc ", "<a><b><c>"},
+                 {u"\"a b\" \"\" c", "<a b><><c>"},
+                 {u"a\"b c\"d", "<ab cd>"},
+                 {u"\"a b", "<a b>"},
+                 {u"\"", "<>"},
+                 {u"a\\b \\\\c \\", "<a\\b><\\\\c><\\>"},
+                 {u"a\\\"b", "<a\"b>"},
+                 {u"a\\\\\"b c\"", "<a\\b c>"},
+                 {u"a\\\\\\\"b", "<a\\\"b>"},
+                 {u"\"a\\\\\" b", "<a\\><b>"},
+                 {u"\"a\"\"b c\" d", "<a\"b c><d>"},
+                 {u"\"\"\"\" e", "<\"><e>"},
+                 {u"\"a\\\"\"\" b", "<a\"\" b>"},
+                 {u"\u00E4\U0001F600\xDC80\xDC5C", "<\xC3\xA4\xF0\x9F\x98\x80\x80\\>"}};
+    for (const auto& each : cases) {
+        const Wide line = Wide(u"--child-role PrintArguments ") + each.line;
+        EXPECT_EQ(each.arguments, OutputOf(ProgramPath().u16string(), line)) << each.arguments;
+    }
+    QXHandle child = nullptr;
+    EXPECT_EQ(QX_E_FAIL, Start(u"/bin/true", u"\xD800", nullptr, &child));
+    EXPECT_EQ(QX_E_FAIL, Start(u"/bin/true", Wide(300'000, u'a'), nullptr, &child));
+}
+
+TEST(ProcessStandIn, EnvironmentIsSortedWithoutRegardToCase) {
+    const wchar* const some[] = {u"b=1", u"A=2", u"C=\u00E4", nullptr};
+    EXPECT_EQ("A=2\nb=1\nC=\xC3\xA4\n", OutputOf(u"/usr/bin/env", u"", some));
+    EXPECT_EQ("", OutputOf(u"/usr/bin/env", u"", some + 3));
+    SetEnvironment("PROCESS_TEST", "yes");
+    EXPECT_EQ("yes\n", OutputOf(u"/usr/bin/printenv", u"PROCESS_TEST"));
+}
+
+TEST(ProcessStandIn, SignalsAreAtTheirDefaultsInTheChild) {
+    ::sigset_t all;
+    ::sigset_t before;
+    ::sigfillset(&all);
+    ::pthread_sigmask(SIG_BLOCK, &all, &before);
+    for (const int signal : {SIGPIPE, SIGINT, SIGUSR1, SIGRTMAX}) {
+        ::signal(signal, SIG_IGN);
+    }
+    ::signal(SIGUSR2, [](int) {});
+    const std::string none = ":\t0000000000000000\n";
+    EXPECT_EQ("SigBlk" + none + "SigIgn" + none,
+              OutputOf(u"/bin/grep", u"-E Sig(Blk|Ign) /proc/self/status"));
+    EXPECT_EQ(SIG_IGN, ::signal(SIGINT, SIG_DFL));
+    ::sigset_t now;
+    ::pthread_sigmask(SIG_SETMASK, &before, &now);
+    EXPECT_EQ(1, ::sigismember(&now, SIGUSR1));
+}
+
+TEST(ProcessStandIn, CodeTellsTheSignalThatEndedTheChild) {
+    QXHandle child = nullptr;
+    EXPECT_EQ(QX_S_OK, Start(u"/bin/sh", u"-c \"kill -9 $$\"", nullptr, &child));
+    EXPECT_EQ(137u, CodeOf(child));
+    EXPECT_EQ(QX_S_OK, Start(u"/bin/sh", u"-c \"exit 259\"", nullptr, &child));
+    EXPECT_EQ(3u, CodeOf(child));
+}
+
+TEST(ProcessStandIn, CodeThatTheHostHasThrownAwayOrCollectedIsAllOnes) {
+    ::signal(SIGCHLD, SIG_IGN);
+    QXHandle child = nullptr;
+    EXPECT_EQ(QX_S_OK, Start(u"/bin/sh", u"-c \"exit 4\"", nullptr, &child));
+    EXPECT_EQ(0xFFFFFFFF, CodeOf(child));
+    ::signal(SIGCHLD, SIG_DFL);
+    EXPECT_EQ(QX_S_OK, Start(u"/bin/sh", u"-c \"exit 4\"", nullptr, &child));
+    EXPECT_LT(0, ::waitpid(-1, nullptr, 0));
+    QXHandle joined = nullptr;
+    uint32_t code = 0;
+    EXPECT_EQ(QX_S_OK, QXProcessJoinChild(&joined, &code));
+    EXPECT_EQ(child, joined);
+    EXPECT_EQ(0xFFFFFFFF, code);
+    EXPECT_EQ(QX_E_FAIL, QXProcessJoinChild(&joined, &code));
+}
+
+TEST(ProcessStandIn, CodesOfTheHostsOwnChildrenStayTheirs) {
+    const pid_t own = ::fork();
+    if (own == 0) {
+        ::_exit(9);
+    }
+    QXHandle child = nullptr;
+    EXPECT_EQ(QX_S_OK, Start(u"/bin/true", u"", nullptr, &child));
+    EXPECT_EQ(0u, CodeOf(child));
+    int status = 0;
+    EXPECT_EQ(own, ::waitpid(own, &status, 0));
+    EXPECT_EQ(9, WEXITSTATUS(status));
+}
+
+TEST(ProcessStandIn, DetachedChildLeavesNoZombieBehindTheNextCall) {
+    QXHandle ends[3] = {kPipe, nullptr, nullptr};
+    QXHandle child = nullptr;
+    EXPECT_EQ(QX_S_OK, Start(u"/bin/cat", u"", ends, &child));
+    EXPECT_EQ(QX_S_OK, QXProcessDetach(child));
+    uint32_t code = 0;
+    EXPECT_EQ(QX_E_HANDLE, QXProcessGetExitCode(child, &code));
+    EXPECT_TRUE(HasChildren());
+    QXFileClose(ends[0]);
+    siginfo_t ended;
+    EXPECT_EQ(0, ::waitid(P_ALL, 0, &ended, WEXITED | WNOWAIT));
+    EXPECT_EQ(QX_E_HANDLE, QXProcessGetExitCode(child, &code));
+    EXPECT_FALSE(HasChildren());
+}
+
+TEST(ProcessStandIn, HandlesOfFilesAndPipesAreGivenTwiceAndCrosswise) {
+    const TemporaryDirectory directory;
+    const std::filesystem::path path = directory.Path() / "output";
+    QXHandle file = nullptr;
+    EXPECT_EQ(2, QXFileOpen(path.u16string().c_str(), QX_FILE_WRITE | QX_FILE_CREATE, 0666, &file));
+    QXHandle first[3] = {nullptr, kPipe, kPipe};
+    QXHandle talker = nullptr;
+    const Wide talk = u"-c \"echo out; echo err >&2\"";
+    EXPECT_EQ(QX_S_OK, Start(u"/bin/sh", talk, first, &talker));
+    // What the talker says on standard error comes out first.
+    for (const QXHandle input : {first[2], first[1]}) {
+        QXHandle second[3] = {input, file, file};
+        QXHandle copier = nullptr;
+        EXPECT_EQ(QX_S_OK, Start(u"/bin/sh", u"-c \"cat; echo end >&2\"", second, &copier));
+        EXPECT_EQ(file, second[1]);
+        EXPECT_EQ(0u, CodeOf(copier));
+        EXPECT_EQ(QX_S_OK, QXFileClose(input));
+    }
+    EXPECT_EQ(0u, CodeOf(talker));
+    EXPECT_EQ(QX_S_OK, QXFileClose(file));
+    std::string text;
+    std::getline(std::ifstream(path), text, '\0');
+    EXPECT_EQ("err\nend\nout\nend\n", text);
+    QXHandle closed[3] = {nullptr, file, kPipe};
+    EXPECT_EQ(QX_E_HANDLE, Start(u"/bin/true", u"", closed, &talker));
+}
+
+TEST(ProcessStandIn, OnlyWhatIsNotCloseOnExecIsInherited) {
+    QXHandle file = nullptr;
+    EXPECT_EQ(QX_S_OK, QXFileOpen(u"/dev/null", QX_FILE_READ, 0, &file));
+    const int marked = ::fcntl(STDIN_FILENO, F_DUPFD, 700);
+    const Wide list = u"-c \"cd /proc/self/fd; echo *\"";
+    const std::string all = OutputOf(u"/bin/sh", list);
+    ::close(marked);
+    EXPECT_NE(std::string::npos, all.find("700")) << all;
+    const std::string rest = OutputOf(u"/bin/sh", list);
+    EXPECT_EQ(all.size() - 4, rest.size()) << rest;
+    QXFileClose(file);
+}
+
+CHILD_ROLE(WithoutStandardStreams) {
+    for (int stream = 0; stream < 3; ++stream) {
+        ::close(stream);
+    }
+    for (int round = 0; round < 3; ++round) {
+        QXHandle ends[3] = {kPipe, kPipe, kPipe};
+        QXHandle child = nullptr;
+        uint32_t count = 0;
+        EXPECT_EQ(QX_S_OK, Start(u"/bin/sh", u"-c \"cat; echo e >&2; exit 6\"", ends, &child));
+        EXPECT_EQ(QX_S_OK, QXFileWrite(ends[0], "text", 4, &count));
+        EXPECT_EQ(QX_S_OK, QXFileClose(ends[0]));
+        EXPECT_EQ("text", ReadAll(ends[1]));
+        EXPECT_EQ("e\n", ReadAll(ends[2]));
+        EXPECT_EQ(6u, CodeOf(child));
+        EXPECT_EQ(-1, ::fcntl(round, F_GETFD));
+        EXPECT_EQ(QX_S_OK, Start(u"/bin/true", u"", nullptr, &child));
+        EXPECT_EQ(0u, CodeOf(child));
+    }
+    return 0;
+}
+
+TEST(ProcessStandIn, ChildrenStartWhereTheStandardStreamsAreClosed) {
+    EXPECT_EQ(0, ChildProcess("WithoutStandardStreams").Wait());
+}
+
+TEST(ProcessStandIn, FileIsRunWithoutTheSuffixIfOnlyThatIsThere) {
+    const TemporaryDirectory directory;
+    const auto write = [&](const char* name, const char* text, mode_t mode) {
+        const std::filesystem::path path = directory.Path() / name;
+        std::ofstream(path) << text;
+        ::chmod(path.c_str(), mode);
+    };
+    write("both", "#!/bin/sh\nexit 1\n", 0755);
+    write("both.exe", "#!/bin/sh\nexit 2\n", 0755);
+    write("plain", "#!/bin/sh\nexit 3\n", 0755);
+    write("data.exe", "#!/bin/sh\nexit 3\n", 0644);
+    write("text.exe", "no program\n", 0755);
+    const struct {
+        const char16_t* name;
+        QXResult result;
+        uint32_t code;
+    } cases[] = {{u"/both", QX_S_OK, 2},      {u"\\plain", QX_S_OK, 3},
+                 {u"/plain.exe", QX_S_OK, 3}, {u"/data", QX_E_ACCESSDENIED, 0},
+                 {u"/text", QX_E_FAIL, 0},    {u"/plain/x", QX_E_NOTFOUND, 0}};
+    for (const auto& each : cases) {
+        QXHandle child = nullptr;
+        EXPECT_EQ(each.result,
+                  Start(directory.Path().u16string() + each.name, u"", nullptr, &child));
+        if (each.result == QX_S_OK) {
+            EXPECT_EQ(each.code, CodeOf(child));
+        }
+    }
+    EXPECT_FALSE(HasChildren());
+}
+
+// The limit is raised by one descriptor at a time until the start succeeds.
+TEST(ProcessStandIn, StartWithoutDescriptorsLeavesNothing) {
+    const std::size_t open = MeasureFootprint().handles;
+    rlimit before;
+    ::getrlimit(RLIMIT_NOFILE, &before);
+    const TemporaryDirectory directory;
+    QXResult result = QX_E_FAIL;
+    int failures = 0;
+    for (rlim_t limit = 3; QX_FAILED(result); ++limit) {
+        rlimit scarce = {limit, before.rlim_max};
+        ::setrlimit(RLIMIT_NOFILE, &scarce);
+        QXHandle ends[3] = {kPipe, kPipe, kPipe};
+        QXHandle child = nullptr;
+        result = QXProcessCreate(u"/bin/cat", u"", directory.Path().u16string().c_str(), nullptr, 0,
+                                 ends, &child);
+        ::setrlimit(RLIMIT_NOFILE, &before);
+        if (QX_FAILED(result)) {
+            ++failures;
+            EXPECT_EQ(QX_E_FAIL, result);
+            EXPECT_FALSE(HasChildren());
+            EXPECT_EQ(open, MeasureFootprint().handles);
+            continue;
+        }
+        for (const QXHandle end : ends) {
+            EXPECT_EQ(QX_S_OK, QXFileClose(end));
+        }
+        EXPECT_EQ(0u, CodeOf(child));
+    }
+    EXPECT_LE(8, failures);
+    EXPECT_EQ(open, MeasureFootprint().handles);
+}
+
+TEST(ProcessStandIn, ForkedChildStartsItsOwnAndLeavesItsParentsAlone) {
+    QXHandle child = nullptr;
+    EXPECT_EQ(QX_S_OK, Start(u"/bin/sh", u"-c \"exit 5\"", nullptr, &child));
+    ForkedChild forked([child] {
+        EXPECT_EQ(0xFFFFFFFF, CodeOf(child));
+        QXHandle own = nullptr;
+        EXPECT_EQ(QX_S_OK, Start(u"/bin/sh", u"-c \"exit 6\"", nullptr, &own));
+        EXPECT_EQ(6u, CodeOf(own));
+        return testing::Test::HasFailure() ? 1 : 0;
+    });
+    EXPECT_EQ(0, forked.Wait());
+    EXPECT_EQ(5u, CodeOf(child));
+}
+
+TEST(ProcessStandIn, NameLosesTheKernelsRemarkOnAFileThatIsGone) {
+    const TemporaryDirectory directory;
+    const std::filesystem::path copy = directory.Path() / std::string(240, 'n');
+    std::filesystem::copy_file("/bin/cat", copy);
+    QXHandle ends[3] = {kPipe, kPipe, kPipe};
+    QXHandle child = nullptr;
+    const Wide script = u"-c \"echo $$; exec '" + copy.u16string() + u"'\"";
+    EXPECT_EQ(QX_S_OK, Start(u"/bin/sh", script, ends, &child));
+    uint32_t count = 0;
+    char line[16] = {};
+    EXPECT_EQ(QX_S_OK, QXFileRead(ends[1], line, sizeof line, &count));
+    const uint32_t id = static_cast<uint32_t>(std::stoul(line));
+    EXPECT_EQ(QX_S_OK, QXFileWrite(ends[0], "x", 1, &count));
+    EXPECT_EQ(QX_S_OK, QXFileRead(ends[1], line, sizeof line, &count));  // the copy runs
+    std::filesystem::remove(copy);
+    char name[300];
+    EXPECT_EQ(1, QXProcessGetName(id, name, sizeof name));
+    EXPECT_EQ(copy.filename().string(), name);
+    for (const QXHandle end : ends) {
+        QXFileClose(end);
+    }
+    EXPECT_EQ(0u, CodeOf(child));
+    EXPECT_EQ(0, QXProcessGetName(id, name, sizeof name));
+}
+
+}  // namespace
