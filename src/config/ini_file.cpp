@@ -80,16 +80,16 @@ bool AppendKey(IniKeyTable& keys, std::u16string_view line) {
     return true;
 }
 
-// The lines up to the section's end, which is used up. Nothing if one of them is no key.
-std::optional<IniKeyTable> ReadKeys(Lines& lines) {
-    IniKeyTable keys;
+// The lines up to the section's end, which is used up. False if one of them is no key.
+bool ReadKeys(IniKeyTable& keys, Lines& lines) {
+    keys.Clear();
     while (lines.Next() && !lines.EndsSection()) {
         if (!AppendKey(keys, lines.Wide())) {
-            return std::nullopt;
+            return false;
         }
     }
     keys.Sort();
-    return keys;
+    return true;
 }
 
 }  // namespace
@@ -201,6 +201,7 @@ std::string IniFile::NarrowPath() const {
 void IniFile::Load() {
     m_sections.clear();
     Lines lines(NarrowPath().c_str());
+    IniKeyTable keys;
     while (lines.Next()) {
         if (!lines.BeginsSection()) {
             continue;
@@ -209,12 +210,12 @@ void IniFile::Load() {
         if (!name) {
             return;
         }
-        const std::u16string section(*name);
-        auto keys = ReadKeys(lines);
-        if (!keys) {
+        std::u16string section(*name);
+        if (!ReadKeys(keys, lines)) {
             return;
         }
-        m_sections[section] = std::move(*keys);
+        // A file that Save wrote has them in the order of the table.
+        m_sections.insert_or_assign(m_sections.end(), std::move(section), keys);
     }
 }
 

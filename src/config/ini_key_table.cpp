@@ -25,8 +25,11 @@ void IniKeyTable::Sort() {
         }
     }
     m_rows.resize(std::min(m_rows.size(), kept + 1));
-    m_rows.shrink_to_fit();
-    m_texts.shrink_to_fit();
+}
+
+void IniKeyTable::Clear() noexcept {
+    m_rows.clear();
+    m_texts.clear();
 }
 
 void IniKeyTable::Set(std::u16string_view key, std::u16string_view value) {

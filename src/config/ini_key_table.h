@@ -17,6 +17,8 @@ class IniKeyTable {
     void Append(std::u16string_view key, std::u16string_view value);
     // Of equal keys the first one's spelling and the last one's value stay.
     void Sort();
+    // Keeps the memory for the next ones. A copy of a table has no more than it needs.
+    void Clear() noexcept;
 
     // A key that exists keeps its spelling.
     void Set(std::u16string_view key, std::u16string_view value);

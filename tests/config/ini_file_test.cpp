@@ -103,6 +103,21 @@ TEST_F(IniFileTest, ReadsAndWritesByItsGrammar) {
     }
 }
 
+TEST_F(IniFileTest, LineEndsMeanTheSameAtEachPlaceOfALongFile) {
+    const std::string line = "key=value\r\n";
+    for (std::size_t shift = 0; shift < line.size(); ++shift) {
+        std::string text = "[" + std::string(shift, 'a') + "]\r\n";
+        while (text.size() < 50'000) {
+            text += line + "\r\n[" + std::to_string(text.size()) + "]\r\n";
+        }
+        WriteFile(m_path, text + line);
+        IniFile file(m_name.c_str());
+        for (const std::u16string& section : file.GetSections()) {
+            ASSERT_EQ(ValueOf(file, section.c_str(), u"key"), u"value") << shift;
+        }
+    }
+}
+
 // What they mean depends on the platform's narrow text.
 TEST_F(IniFileTest, BytesBeyondAsciiAreNoSpace) {
     WriteFile(m_path, "[a]\n\x85=1\n\xA0=2\n");

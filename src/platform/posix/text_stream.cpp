@@ -2,7 +2,7 @@
 
 #include <sys/stat.h>
 
-#include "descriptors.h"
+#include <algorithm>
 
 namespace platform {
 namespace {
@@ -29,55 +29,55 @@ std::FILE* StreamOf(OwnedDescriptor file, const char* mode) noexcept {
 }  // namespace
 
 TextReader::TextReader(const char* path) noexcept
-    : m_stream(StreamOf(OpenRegular(path, O_RDONLY), "r")) {}
-
-TextReader::~TextReader() {
-    if (m_stream != nullptr) {
-        std::fclose(m_stream);
-    }
-}
+    : m_file(OpenRegular(path, O_RDONLY)), m_next(m_buffer), m_end(m_buffer) {}
 
 const char* TextReader::ReadLine(char* line, int count) noexcept {
     int length = 0;
-    while (length < count - 1) {
-        const int unit = ReadUnit();
-        if (unit == EOF) {
-            break;
-        }
-        line[length++] = static_cast<char>(unit);
-        if (unit == '\n') {
-            break;
+    bool ended = false;
+    while (length < count - 1 && !ended) {
+        length += CopyPlainBytes(line + length, count - 1 - length);
+        if (length < count - 1) {
+            const int byte = ReadByte();
+            ended = byte == EOF || byte == '\n';
+            line[length] = static_cast<char>(byte);
+            length += byte != EOF ? 1 : 0;
         }
     }
     line[length] = '\0';
     return length != 0 ? line : nullptr;
 }
 
-// An interrupted read is no end of the file.
-int TextReader::ReadByte() noexcept {
-    int byte = ::getc_unlocked(m_stream);
-    while (byte == EOF && std::ferror(m_stream) != 0 && errno == EINTR) {
-        std::clearerr(m_stream);
-        byte = ::getc_unlocked(m_stream);
+// Reads on where the buffer is used up. An interrupted read is no end of the file.
+bool TextReader::HasByte() noexcept {
+    if (m_next == m_end) {
+        ssize_t count;
+        do {
+            count = ::read(m_file.Get(), m_buffer, sizeof m_buffer);
+        } while (count < 0 && errno == EINTR);
+        m_next = m_buffer;
+        m_end = m_buffer + (count > 0 ? count : 0);
     }
-    return byte;
+    return m_next != m_end;
 }
 
-int TextReader::ReadUnit() noexcept {
-    const int byte = ReadByte();
-    if (byte == kEndOfText) {
-        std::ungetc(byte, m_stream);  // for the next read, which ends here too
+// What the buffer has up to a byte that may mean something.
+int TextReader::CopyPlainBytes(char* target, int room) noexcept {
+    const char* const end = m_next + std::min<std::ptrdiff_t>(room, m_end - m_next);
+    int count = 0;
+    while (m_next != end && static_cast<unsigned char>(*m_next) > kEndOfText) {
+        target[count++] = *m_next++;
+    }
+    return count;
+}
+
+// The end mark stays, so that the next read ends there too.
+int TextReader::ReadByte() noexcept {
+    if (!HasByte() || *m_next == kEndOfText) {
         return EOF;
     }
-    if (byte != '\r') {
-        return byte;
-    }
-    const int next = ReadByte();
-    if (next == '\n') {
-        return next;
-    }
-    std::ungetc(next, m_stream);
-    return byte;
+    const char byte = *m_next++;
+    return byte == '\r' && HasByte() && *m_next == '\n' ? *m_next++
+                                                        : static_cast<unsigned char>(byte);
 }
 
 TextWriter::TextWriter(const char* path) noexcept

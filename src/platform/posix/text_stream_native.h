@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "cancellation.h"
+#include "descriptors.h"
 #include "last_error_native.h"
 #include "platform/types.h"
 #include "write_signals.h"
@@ -16,20 +17,24 @@ namespace platform {
 class TextReader {
   public:
     explicit TextReader(const char* path) noexcept;
-    ~TextReader();
+    ~TextReader() = default;
     TextReader(const TextReader&) = delete;
     TextReader& operator=(const TextReader&) = delete;
 
-    bool IsOpen() const noexcept { return m_stream != nullptr; }
+    bool IsOpen() const noexcept { return static_cast<bool>(m_file); }
     const char* ReadLine(char* line, int count) noexcept;
 
   private:
+    bool HasByte() noexcept;
+    int CopyPlainBytes(char* target, int room) noexcept;
     int ReadByte() noexcept;
-    int ReadUnit() noexcept;
 
     CancellationOff m_noCancellation;
     ErrnoKeeper m_keepErrno;
-    std::FILE* m_stream;
+    OwnedDescriptor m_file;
+    const char* m_next;
+    const char* m_end;
+    char m_buffer[1 << 14];
 };
 
 class TextWriter {
