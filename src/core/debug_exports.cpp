@@ -11,8 +11,9 @@
 #include "platform/alerts.h"
 #include "platform/threads.h"
 
-// Written by the person at the debugger, who so ends the wait: `set var s_alertContinue = 1`.
-volatile u32 s_alertContinue = 0;
+// Written by the person at the debugger, who so ends the wait: `set var s_alertContinue = 1`. A
+// plain number for that reason, and read as an atomic one.
+constinit u32 s_alertContinue = 0;
 
 namespace {
 
@@ -49,10 +50,11 @@ void EndProcess() {
 }
 
 void WaitForDebugger() {
-    while (s_alertContinue == 0) {
+    const std::atomic_ref<u32> mayContinue(s_alertContinue);
+    while (mayContinue.load(std::memory_order_relaxed) == 0) {
         platform::Sleep(0);
     }
-    s_alertContinue = 0;
+    mayContinue.store(0, std::memory_order_relaxed);
 }
 
 // Narrow text where wide text is taken. It shows misread, but its end is found: there are zeros

@@ -6,7 +6,7 @@
 
 #include "core/alert_message.h"
 
-extern volatile u32 s_alertContinue;
+extern u32 s_alertContinue;
 
 namespace {
 
@@ -23,7 +23,7 @@ TEST(Alert, WaitsUntilItIsToldToGoOn) {
         done = true;
     });
     EXPECT_FALSE(done);
-    s_alertContinue = 1;
+    std::atomic_ref(s_alertContinue).store(1, std::memory_order_relaxed);
     waiting.join();
     EXPECT_EQ(0u, s_alertContinue);
 }

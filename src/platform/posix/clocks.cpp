@@ -16,7 +16,7 @@ void ReadClock(clockid_t clock, FILETIME* now) noexcept {
     timespec time;
     ::clock_gettime(clock, &time);
     const u64 steps = (static_cast<u64>(time.tv_sec) + kSecondsFrom1601To1970) * kStepsPerSecond +
-                      static_cast<u64>(time.tv_nsec) / 100;
+                      static_cast<u32>(time.tv_nsec) / 100;
     now->dwLowDateTime = static_cast<u32>(steps);
     now->dwHighDateTime = static_cast<u32>(steps >> 32);
 }
