@@ -267,6 +267,7 @@ TEST(Process, TellsNumbersNamesAndThePseudoHandle) {
     EXPECT_STREQ("", buffer);
     buffer[0] = 'x';
     EXPECT_EQ(0, QXProcessGetName(0x7FFFFFF0, buffer, sizeof buffer));
+    EXPECT_EQ(0, QXProcessGetName(0, buffer, sizeof buffer));
     EXPECT_EQ('x', buffer[0]);
 }
 
