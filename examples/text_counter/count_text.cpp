@@ -1,180 +1,168 @@
-// Counts the lines, words, code points and bytes of files, with a component that the registry
-// names.
-//   count_text --register LIBRARY            puts the component library on record
-//   count_text [[--encoding NAME] FILE]...   counts; an encoding holds for the files behind it
-#include <chrono>
+// Counts the text of files and of directory trees, with worker threads that each have a component
+// do it, and a child process that checks the total.
+//
+//   options       the command line, by QXGetOption
+//   walker        finds the files (QXDirOpen, QXDirRead), and puts them in the
+//   work_queue    (QXMutex, QXSemaphore), from which each
+//   worker        (QXThreadCreate, QXFileRead) takes them; the counting is done by the
+//   component     that the registry names (QXRegistry, QXComCreateObjectByProgID): text_counter.cpp
+//   progress      shows meanwhile how far they are (QXEventTimedWait)
+//   child_check   adds up the rows again, in another process (QXProcessCreate)
+//   lock_report   tells how the locks were used (QXGetLockStats, QXDumpLockStats)
+#include <algorithm>
 #include <cstdio>
-#include <fstream>
-#include <iterator>
-#include <string>
-#include <string_view>
-#include <vector>
+#include <deque>
+#include <new>
 
-#include "text_counter.h"
+#include "child_check.h"
+#include "component.h"
+#include "interrupt.h"
+#include "lock_report.h"
+#include "options.h"
+#include "terminal.h"
+#include "walker.h"
+#include "worker.h"
 
 namespace {
 
-std::u16string Wide(const char* text) {
-    std::u16string wide(QXAnsiToUnicode(nullptr, text, 0), u'\0');
-    QXAnsiToUnicode(wide.data(), text, wide.size());
-    return wide;
+enum ExitStatus { kDone = 0, kFailed = 1, kWrongUse = 2 };
+
+size_t CountProcessors() {
+    QXSystemInfoRecord system = {};
+    QXGetSystemInfo(&system, sizeof system);
+    return std::max<size_t>(system.numberOfProcessors, 1);
 }
 
-std::u16string ClassText() {
-    char16_t text[QX_GUID_TEXT_SIZE];
-    QXComStringFromGUID(&kTextCounterClass, text, QX_GUID_TEXT_SIZE);
-    return text;
+void PrintRow(const TextCounts& counts, const std::string& what) {
+    std::printf("%s %s\n", RowOf(counts).c_str(), what.c_str());
 }
 
-bool Succeeded(QXResult result, const char* what) {
-    if (QX_FAILED(result)) {
-        std::fprintf(stderr, "count_text: %s: result 0x%08X\n", what,
-                     static_cast<unsigned>(result));
+void PrintReport(const FileReport& report, const Options& options) {
+    if (QX_FAILED(report.result)) {
+        Complain(Narrow(report.path), report.result);
+    } else if (!options.showsTotalAlone) {
+        PrintRow(report.counts, Narrow(report.path));
     }
-    return QX_SUCCEEDED(result);
 }
 
-QXResult SetDefaultValue(const std::u16string& key, const std::u16string& text) {
-    const auto bytes = static_cast<uint32_t>((text.size() + 1) * sizeof(wchar));
-    return QXRegistrySetValue(QX_HKEY_CLASSES_64, key.c_str(), u"", QX_REG_STRING, text.c_str(),
-                              bytes);
+void PrintReports(const FileReports& reports, const TextCounts& total, const Options& options) {
+    for (const FileReport& report : reports) {
+        PrintReport(report, options);
+    }
+    if (reports.size() > 1 || options.showsTotalAlone) {
+        PrintRow(total, "total");
+    }
+    std::fflush(stdout);
 }
 
-QXResult Register(const std::u16string& library) {
-    const QXResult result =
-        SetDefaultValue(u"CLSID\\" + ClassText() + u"\\InprocServer32", library);
-    return QX_FAILED(result)
-               ? result
-               : SetDefaultValue(std::u16string(kTextCounterProgramID) + u"\\CLSID", ClassText());
+// Behind its end the workers have come to theirs, and all reports are complete.
+void CountPaths(const Options& options, size_t jobs, WorkQueue* queue, Progress* progress,
+                FileReports* reports) {
+    std::deque<Worker> workers;
+    while (workers.size() < jobs) {
+        workers.emplace_back(CreateCounter(), Wide(options.encoding.c_str()), queue, progress);
+    }
+    Walker walker(queue, reports);
+    for (const char* const path : options.paths) {
+        walker.Walk(Wide(path));
+    }
 }
 
-// A counter, made by `create`, and how long that took.
-template <typename Create>
-ITextCounter* CreateCounter(const char* how, Create create) {
-    void* object = nullptr;
-    const auto begin = std::chrono::steady_clock::now();
-    const QXResult result = create(&object);
-    const std::chrono::duration<double, std::micro> took = std::chrono::steady_clock::now() - begin;
-    if (!Succeeded(result, how)) {
-        return nullptr;
-    }
-    std::printf("%-44s %8.1f us\n", how, took.count());
-    return static_cast<ITextCounter*>(object);
+double MillisecondsSince(int64_t begin) {
+    return 1e3 * static_cast<double>(QXPerfGetCount() - begin) /
+           static_cast<double>(QXPerfGetFreq());
 }
 
-struct TextFile {
-    const char* path;
-    std::u16string encoding;
-};
-
-void Print(const TextCounts& counts, const char* what) {
-    std::printf("%6ju %6ju %6ju %6ju %s\n", counts.lines, counts.words, counts.codePoints,
-                counts.bytes, what);
+void ReportLocks(const Options& options, const WorkQueue& queue, const Progress& progress) {
+    if (options.isVerbose) {
+        DescribeLock("WorkQueue", queue.Lock());
+        DescribeLock("Progress", progress.Lock());
+    }
+    if (!options.lockReport.empty()) {
+        AppendLockReport(options.lockReport);
+    }
 }
 
-bool CountFile(ITextCounter* counter, const TextFile& textFile, TextCounts* total) {
-    std::ifstream file(textFile.path, std::ios::binary);
-    const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    TextCounts counts;
-    if (!file ||
-        !Succeeded(counter->Count(text.data(), text.size(), textFile.encoding.c_str(), &counts),
-                   "Count")) {
-        std::fprintf(stderr, "count_text: %s cannot be counted\n", textFile.path);
-        return false;
+FileReports CountFiles(const Options& options) {
+    const size_t jobs = options.jobs != 0 ? options.jobs : CountProcessors();
+    const int64_t begin = QXPerfGetCount();
+    FileReports reports;
+    WorkQueue queue;
+    Progress progress(HasTerminal());
+    CountPaths(options, jobs, &queue, &progress, &reports);
+    progress.Hide();
+    if (IsInterrupted()) {
+        EndInterrupted();
     }
-    Print(counts, textFile.path);
-    total->lines += counts.lines;
-    total->words += counts.words;
-    total->codePoints += counts.codePoints;
-    total->bytes += counts.bytes;
-    return true;
+    if (options.isVerbose) {
+        std::fprintf(stderr, "%zu files, %zu workers, %.1f ms\n", reports.size(), jobs,
+                     MillisecondsSince(begin));
+    }
+    ReportLocks(options, queue, progress);
+    return reports;
 }
 
-bool CountFiles(ITextCounter* counter, const std::vector<TextFile>& files) {
-    TextCounts total = {};
-    bool allCounted = true;
-    for (const TextFile& file : files) {
-        allCounted &= CountFile(counter, file, &total);
+bool CheckTotal(const Options& options, const FileReports& reports, const TextCounts& total) {
+    const bool isSame = IsTotalOfChild(options.program.c_str(), reports, total);
+    if (!isSame) {
+        std::fputs("count_text: the child process adds up to another total\n", stderr);
+    } else if (options.isVerbose) {
+        std::fputs("A child process adds up to the same total\n", stderr);
     }
-    if (files.size() > 1) {
-        Print(total, "total");
-    }
-    return allCounted;
+    return isSame;
 }
 
-// The first counter is found in the registry. The second one is not looked for there: it is made
-// while the registration is gone, and only the flush brings that to light.
-bool ShowCache() {
-    std::u16string library(260, u'\0');
-    auto bytes = static_cast<uint32_t>(library.size() * sizeof(wchar));
-    const std::u16string key = u"CLSID\\" + ClassText() + u"\\InprocServer32";
-    if (!Succeeded(QXRegistryGetValue(QX_HKEY_CLASSES_64, key.c_str(), u"", nullptr, library.data(),
-                                      &bytes),
-                   "QXRegistryGetValue")) {
-        return false;
+bool FailedNowhere(const FileReports& reports) {
+    const size_t failures = CountFailures(reports);
+    if (failures != 0) {
+        std::fprintf(stderr, "count_text: %zu of %zu could not be counted\n", failures,
+                     reports.size());
     }
-    QXRegistryDeleteKey(QX_HKEY_CLASSES_64, key.c_str());
-    ITextCounter* const cached =
-        CreateCounter("from the cache, the registration is gone:", [](void** object) {
-            return QXComCreateObject(&kTextCounterClass, nullptr, &kTextCounterInterface, object);
-        });
-    if (cached != nullptr) {
-        IQXUnknown_Release(cached);
-    }
-    QXComFlushFactoryCache();
-    void* object = nullptr;
-    const QXResult flushed =
-        QXComCreateObject(&kTextCounterClass, nullptr, &kTextCounterInterface, &object);
-    std::printf("%-44s 0x%08X, class not registered\n",
-                "after the flush:", static_cast<unsigned>(flushed));
-    return Succeeded(Register(library.c_str()), "Register") && cached != nullptr &&
-           flushed == QX_E_NOTREGISTERED;
+    return failures == 0;
 }
 
-int Count(const std::vector<TextFile>& files) {
-    ITextCounter* const byClass =
-        CreateCounter("by class id, the library is loaded:", [](void** object) {
-            return QXComCreateObject(&kTextCounterClass, nullptr, &kTextCounterInterface, object);
-        });
-    if (byClass == nullptr) {
-        return 1;
+int Count(const Options& options) {
+    WatchForInterrupt();
+    const FileReports reports = CountFiles(options);
+    const TextCounts total = TotalOf(reports);
+    PrintReports(reports, total, options);
+    const bool isGood = CheckTotal(options, reports, total) & FailedNowhere(reports);
+    return isGood && std::ferror(stdout) == 0 ? kDone : kFailed;
+}
+
+int Run(const Options& options) {
+    switch (options.task) {
+        case Task::kRegister:
+            RegisterTextCounter(options.library.c_str());
+            return kDone;
+        case Task::kInstall:
+            InstallTextCounter();
+            return kDone;
+        case Task::kUnregister:
+            UnregisterTextCounter();
+            return kDone;
+        case Task::kAdd:
+            return AddRows();
+        case Task::kHelp:
+            return std::fputs(kUsage, stdout) >= 0 ? kDone : kFailed;
+        default:
+            return Count(options);
     }
-    bool good = CountFiles(byClass, files);
-    IQXUnknown_Release(byClass);
-    ITextCounter* const byProgram =
-        CreateCounter("by program id, from the cache:", [](void** object) {
-            return QXComCreateObjectByProgID(kTextCounterProgramID, nullptr, &kTextCounterInterface,
-                                             object);
-        });
-    good &= byProgram != nullptr;
-    if (byProgram != nullptr) {
-        IQXUnknown_Release(byProgram);
-    }
-    return ShowCache() && good ? 0 : 1;
 }
 
 }  // namespace
 
-int main(int argc, char** argv) {
-    std::u16string encoding = u"UTF-8";
-    std::vector<TextFile> files;
-    for (int index = 1; index < argc; ++index) {
-        const std::string_view argument = argv[index];
-        const bool hasValue = index + 1 < argc;
-        if (argument == "--register" && hasValue) {
-            return Succeeded(Register(Wide(argv[index + 1])), "Register") ? 0 : 1;
-        }
-        if (argument == "--encoding" && hasValue) {
-            encoding = Wide(argv[++index]);
-        } else {
-            files.push_back({argv[index], encoding});
-        }
+int main(int count, char** arguments) {
+    Options options;
+    if (!ReadOptions(count, arguments, &options)) {
+        return kWrongUse;
     }
-    if (files.empty()) {
-        std::fprintf(stderr,
-                     "usage: count_text [[--encoding NAME] FILE]...\n"
-                     "       count_text --register LIBRARY\n");
-        return 2;
+    try {
+        return Run(options);
+    } catch (const Failure& failure) {
+        Complain(failure.what, failure.result);
+    } catch (const std::bad_alloc&) {
+        Complain("count_text", QX_E_OUTOFMEMORY);
     }
-    return Count(files);
+    return kFailed;
 }
