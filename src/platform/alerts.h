@@ -20,7 +20,7 @@ void OutputDebugStringW(const char16_t* text) noexcept;
 
 using EventSource = void*;
 
-constexpr u16 kEventInformation = 4;
+constexpr u16 kEventInformation = 4;  // EVENTLOG_INFORMATION_TYPE
 
 // Names the source of the entries. `server` is null; `source` stays until the source is given up.
 EventSource RegisterEventSourceW(const char16_t* server, const char16_t* source) noexcept;
@@ -54,9 +54,9 @@ constexpr u32 kBoxStyle = 0x12012;
 
 enum Answer : u32 {
     kAnswerNone = 0,
-    kAnswerAbort = 3,
-    kAnswerRetry = 4,
-    kAnswerIgnore = 5,
+    kAnswerAbort = 3,   // IDABORT
+    kAnswerRetry = 4,   // IDRETRY
+    kAnswerIgnore = 5,  // IDIGNORE
 };
 
 // Shows the box to the user of a session and waits for the answer, as long as it takes. `server` is
@@ -69,7 +69,7 @@ bool WTSSendMessageW(void* server, u32 session, const char16_t* title, u32 title
 // ---- The end
 
 // The reference platform's number of the abort signal.
-constexpr int kAbortSignal = 22;
+constexpr int kAbortSignal = 22;  // SIGABRT
 
 // Runs the process's handler of the abort signal; with none set, ends the process with the status
 // 3. Returns if the handler does, or if the process ignores the signal.

@@ -30,10 +30,10 @@ struct TIME_ZONE_INFORMATION {
 
 // The season that is in force.
 enum TimeZoneId : u32 {
-    kTimeZoneUnknown = 0,  // the zone knows no seasons
-    kTimeZoneStandard = 1,
-    kTimeZoneDaylight = 2,
-    kTimeZoneInvalid = 0xFFFFFFFF,  // a failure: the last error tells
+    kTimeZoneUnknown = 0,           // TIME_ZONE_ID_UNKNOWN: the zone knows no seasons
+    kTimeZoneStandard = 1,          // TIME_ZONE_ID_STANDARD
+    kTimeZoneDaylight = 2,          // TIME_ZONE_ID_DAYLIGHT
+    kTimeZoneInvalid = 0xFFFFFFFF,  // TIME_ZONE_ID_INVALID: a failure: the last error tells
 };
 
 u32 GetTimeZoneInformation(TIME_ZONE_INFORMATION* zone) noexcept;

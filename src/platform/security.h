@@ -26,7 +26,7 @@ bool AllocateAndInitializeSid(const u8* authority, u8 count, u32 first, PSID* id
 u32 GetLengthSid(PSID identity) noexcept;
 void FreeSid(PSID identity) noexcept;
 
-inline constexpr u32 kAclRevision = 2;
+inline constexpr u32 kAclRevision = 2;  // ACL_REVISION
 
 // An empty list in `size` bytes of the caller's. `revision` is 2.
 bool InitializeAcl(ACL* list, u32 size, u32 revision) noexcept;

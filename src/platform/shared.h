@@ -13,11 +13,11 @@ namespace platform {
 // A mapping lives as long as a handle or a view of it is left in any process. It counts whole
 // pages.
 
-inline constexpr u32 kPageReadWrite = 4;
+inline constexpr u32 kPageReadWrite = 4;  // PAGE_READWRITE
 
 enum FileMapAccess : u32 {
-    kFileMapWrite = 2,
-    kFileMapRead = 4,
+    kFileMapWrite = 2,  // FILE_MAP_WRITE
+    kFileMapRead = 4,   // FILE_MAP_READ
 };
 
 // Makes a mapping of `size` bytes, or opens the one of that name, whatever its size. `file` is all

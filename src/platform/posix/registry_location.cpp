@@ -1,14 +1,13 @@
 #include "registry_location.h"
 
 #include <fcntl.h>
-#include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cstdlib>
 #include <memory>
-#include <vector>
 
+#include "password_entry.h"
 #include "platform/errors.h"
 #include "registry_failure.h"
 #include "registry_files.h"
@@ -17,7 +16,6 @@ namespace platform {
 namespace {
 
 constexpr char kName[] = "w64qxcore6";
-constexpr std::size_t kLargestEntry = 1 << 20;  // bytes of a password entry
 
 struct Freer {
     void operator()(char* text) const noexcept { std::free(text); }
@@ -50,26 +48,12 @@ std::string Absolute(const std::string& path) {
     return Beneath(current.get(), path.c_str());
 }
 
-// These numbers too say that there is no such user.
-bool IsAbsence(int error) noexcept {
-    return error == 0 || error == ENOENT || error == ESRCH;
-}
-
 std::string PasswordEntryHome() {
-    std::vector<char> buffer(1024);
-    passwd entry;
-    passwd* found = nullptr;
-    int error = 0;
-    do {
-        error = ::getpwuid_r(::geteuid(), &entry, buffer.data(), buffer.size(), &found);
-        if (error == ERANGE) {
-            buffer.resize(2 * buffer.size());
-        }
-    } while (error == EINTR || (error == ERANGE && buffer.size() <= kLargestEntry));
-    if (found == nullptr && !IsAbsence(error)) {
+    PasswordEntry entry;
+    if (const int error = FindPasswordEntry(::geteuid(), &entry)) {
         throw StoreFailure{NativeErrorFromErrno(error), false};
     }
-    return found != nullptr && found->pw_dir != nullptr ? found->pw_dir : "";
+    return entry.m_home;
 }
 
 std::string ConfigurationHome() {

@@ -1,6 +1,5 @@
 #include "platform/system_figures.h"
 
-#include <pwd.h>
 #include <sys/resource.h>
 #include <sys/sysinfo.h>
 #include <sys/utsname.h>
@@ -12,12 +11,12 @@
 #include <new>
 #include <string>
 #include <utility>
-#include <vector>
 #if defined(__x86_64__) || defined(__i386__)
 #include <cpuid.h>
 #endif
 
 #include "cancellation.h"
+#include "password_entry.h"
 #include "platform/errors.h"
 #include "platform/multibyte.h"
 
@@ -81,16 +80,6 @@ void ReadProcessor(SYSTEM_INFO* info) noexcept {
 void ReadProcessor(SYSTEM_INFO*) noexcept {}
 #endif
 
-std::string UserName(uid_t user) {
-    std::vector<char> buffer(1024);
-    passwd entry;
-    passwd* found = nullptr;
-    while (::getpwuid_r(user, &entry, buffer.data(), buffer.size(), &found) == ERANGE) {
-        buffer.resize(2 * buffer.size());
-    }
-    return found != nullptr && found->pw_name != nullptr ? found->pw_name : std::to_string(user);
-}
-
 bool StoreName(const std::string& name, char16_t* buffer, u32* size) noexcept {
     const i32 length = static_cast<i32>(name.size()) + 1;
     const i32 needed = MultiByteToWideChar(name.c_str(), length, nullptr, 0);
@@ -152,7 +141,13 @@ bool GetUserNameW(char16_t* buffer, u32* size) noexcept {
     const CancellationOff whole;
     const ErrnoKeeper keepErrno;
     try {
-        return StoreName(UserName(::geteuid()), buffer, size);
+        const uid_t user = ::geteuid();
+        PasswordEntry entry;
+        if (const int error = FindPasswordEntry(user, &entry)) {
+            SetLastError(NativeErrorFromErrno(error));
+            return false;
+        }
+        return StoreName(entry.m_name.empty() ? std::to_string(user) : entry.m_name, buffer, size);
     } catch (const std::bad_alloc&) {
         SetLastError(kErrorOutOfMemory);
         return false;

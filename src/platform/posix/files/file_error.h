@@ -18,7 +18,7 @@ inline u32 FileErrorFromErrno(int error) noexcept {
         case ENFILE:
             return kErrorTooManyOpenFiles;
         case ENAMETOOLONG:
-            return kErrorNameTooLong;
+            return kErrorFilenameExceedsRange;
         case ENOTEMPTY:
             return kErrorDirectoryNotEmpty;
         case EPIPE:

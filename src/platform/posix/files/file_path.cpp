@@ -32,7 +32,7 @@ u32 FilePath::Convert(const char16_t* path) noexcept {
     std::size_t length = 0;
     while (*path != 0) {
         if (length + 4 >= kLimit) {
-            return kErrorNameTooLong;
+            return kErrorFilenameExceedsRange;
         }
         const utf::Decoded read = utf::DecodeUtf16(path, UINT64_MAX);
         if (read.character == utf::kIllFormed) {
