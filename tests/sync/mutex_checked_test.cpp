@@ -125,6 +125,7 @@ TEST(CheckedMutex, DepthStartsOverAfterSixteenBits) {
     EXPECT_EQ(QX_S_OK, QXMutexAcquire(mutex));
     EXPECT_EQ(QX_S_OK, QXMutexRelease(mutex));
     EXPECT_EQ(QX_E_FAIL, QXMutexRelease(mutex));
+    EXPECT_EQ(QX_S_OK, QXMutexDestroy(mutex));
 }
 
 }  // namespace

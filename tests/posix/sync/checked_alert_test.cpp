@@ -60,6 +60,7 @@ TEST(CheckedMutexAlert, TellsADepthThatCameToNothing) {
     }
     EXPECT_EQ(QX_E_FAIL, QXMutexRelease(mutex));
     EXPECT_TRUE(Says("CQXCoreMutexChecked::preRelease m_lockDepth check failed")) << g_logged;
+    QXMutexDestroy(mutex);
 }
 
 }  // namespace
