@@ -24,6 +24,11 @@
 QX_BEGIN_DECLS
 
 /**
+ * @name Events
+ * @{
+ */
+
+/**
  * Creates an event that is not signalled.
  *
  * @param name   narrow text, copied; null counts as empty.
@@ -83,6 +88,13 @@ QX_API QXResult QXEventWait(QXHandle event);
  */
 QX_API QXResult QXEventTimedWait(QXHandle event, uint32_t ms);
 
+/** @} */
+
+/**
+ * @name Gates
+ * @{
+ */
+
 /**
  * Creates a gate that is closed.
  *
@@ -117,6 +129,8 @@ QX_API QXResult QXGateTimedWait(QXHandle gate, uint32_t ms);
  *         QX_E_TIMEOUT); the mapped failure of the platform's wait.
  */
 QX_API QXResult QXGateTryWait(QXHandle gate);
+
+/** @} */
 
 QX_END_DECLS
 

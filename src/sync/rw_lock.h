@@ -89,7 +89,7 @@ class CQXRWLockImpl {
     std::atomic<bool> m_writerActive{false};
     std::atomic<bool> m_noReaders{true};
     const std::string m_name;
-    const u32 m_flags;
+    [[maybe_unused]] const u32 m_flags;
     OwnedMutex m_lock;       // held once for each write hold; new readers pass it
     OwnedMutex m_arrayLock;  // guards m_readers
 };

@@ -33,11 +33,13 @@ inline int isspace(int unit) noexcept {
 // the reference platform, also where the C library pairs "i" with a capital that has a dot.
 
 inline char16_t towlower(char16_t unit) noexcept {
-    return static_cast<char16_t>(unit < 0x80 ? platform::tolower(unit) : std::towlower(unit));
+    return unit < 0x80 ? static_cast<char16_t>(platform::tolower(unit))
+                       : static_cast<char16_t>(std::towlower(unit));
 }
 
 inline char16_t towupper(char16_t unit) noexcept {
-    return static_cast<char16_t>(unit < 0x80 ? platform::toupper(unit) : std::towupper(unit));
+    return unit < 0x80 ? static_cast<char16_t>(platform::toupper(unit))
+                       : static_cast<char16_t>(std::towupper(unit));
 }
 
 inline int iswalpha(char16_t unit) noexcept {

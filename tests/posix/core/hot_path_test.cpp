@@ -1,11 +1,13 @@
-// The hot paths make no system call: they run where any but reading, writing and ending is death.
+// The hot paths make no system call: they run where any but a thread's end is death.
 #include <gtest/gtest.h>
+#include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <qxcore.h>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <cstddef>
 #include <functional>
 #include <thread>
 
@@ -13,10 +15,11 @@
 
 namespace {
 
+template <uint32_t kFlags>
 void UseMutex() {
     static QXHandle s_mutex = nullptr;
     if (s_mutex == nullptr) {
-        QXMutexCreate("hot", QX_MUTEX_SPIN, &s_mutex);
+        QXMutexCreate("hot", kFlags, &s_mutex);
     }
     for (int round = 0; round < 100; ++round) {
         QXMutexAcquire(s_mutex);
@@ -81,10 +84,26 @@ void UseConversions() {
     QXUnicodeToAnsi(narrow, wide, 128);
 }
 
+// The kernel's own strict mode would take the processor's clock away too, which a measured mutex
+// reads.
+bool AllowNothingButTheEnd() {
+    sock_filter rules[] = {
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_exit, 0, 1),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_KILL_PROCESS),
+    };
+    const sock_fprog program = {4, rules};
+    return prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
+           prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
+}
+
 // The first run may bind symbols and learn of the processor; the second has nothing but its work.
 int EndsWithoutSystemCall(const std::function<void()>& action) {
     action();
-    prctl(PR_SET_SECCOMP, SECCOMP_MODE_STRICT);
+    if (!AllowNothingButTheEnd()) {
+        return 1;
+    }
     action();
     return static_cast<int>(syscall(SYS_exit, 0));
 }
@@ -93,7 +112,9 @@ TEST(HotPaths, MakeNoSystemCall) {
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     GTEST_SKIP() << "the sanitizer makes system calls of its own";
 #endif
-    for (const auto& action : {UseMutex, UseWaitingObjects, UseStrings, UseConversions}) {
+    for (const auto& action :
+         {UseMutex<QX_MUTEX_SPIN>, UseMutex<QX_MUTEX_STATS>, UseMutex<QX_MUTEX_CHECKED>,
+          UseWaitingObjects, UseStrings, UseConversions}) {
         EXPECT_EQ(0, ForkedChild([&] { return EndsWithoutSystemCall(action); }).Wait());
         // A process of several threads takes other ways.
         ForkedChild threaded([&] {

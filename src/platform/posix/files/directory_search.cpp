@@ -125,7 +125,8 @@ class DirectorySearch final : public CheckedObject {
                 return false;
             }
             status = {};
-            status.stx_mode = static_cast<u16>(DTTOIF(entry.d_type) | kWriteBits);
+            status.stx_mode =
+                static_cast<u16>(static_cast<mode_t>(DTTOIF(entry.d_type)) | kWriteBits);
         }
         StoreStatus(status, found);
         return true;

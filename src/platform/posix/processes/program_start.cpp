@@ -10,7 +10,7 @@
 
 // What runs in the child shares its parent's memory and thread, so nothing may keep books of it:
 // system calls alone, and none of the sanitizers' checks.
-#define QX_IN_CHILD [[gnu::no_sanitize("address"), gnu::no_sanitize("thread")]]
+#define QX_IN_CHILD __attribute__((no_sanitize("address"), no_sanitize("thread")))
 
 namespace platform {
 namespace {
