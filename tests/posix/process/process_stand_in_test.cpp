@@ -245,6 +245,7 @@ TEST(ProcessStandIn, FileIsRunWithoutTheSuffixIfOnlyThatIsThere) {
         std::ofstream(path) << text;
         ::chmod(path.c_str(), mode);
     };
+    std::filesystem::create_directory(directory.Path() / "folder.exe");
     write("both", "#!/bin/sh\nexit 1\n", 0755);
     write("both.exe", "#!/bin/sh\nexit 2\n", 0755);
     write("plain", "#!/bin/sh\nexit 3\n", 0755);
@@ -254,9 +255,10 @@ TEST(ProcessStandIn, FileIsRunWithoutTheSuffixIfOnlyThatIsThere) {
         const char16_t* name;
         QXResult result;
         uint32_t code;
-    } cases[] = {{u"/both", QX_S_OK, 2},      {u"\\plain", QX_S_OK, 3},
-                 {u"/plain.exe", QX_S_OK, 3}, {u"/data", QX_E_ACCESSDENIED, 0},
-                 {u"/text", QX_E_FAIL, 0},    {u"/plain/x", QX_E_NOTFOUND, 0}};
+    } cases[] = {{u"/both", QX_S_OK, 2},         {u"\\plain", QX_S_OK, 3},
+                 {u"/plain.exe", QX_S_OK, 3},    {u"/data", QX_E_ACCESSDENIED, 0},
+                 {u"/text", QX_E_FAIL, 0},       {u"/folder", QX_E_ACCESSDENIED, 0},
+                 {u"/plain/x", QX_E_NOTFOUND, 0}};
     for (const auto& each : cases) {
         QXHandle child = nullptr;
         EXPECT_EQ(each.result,
