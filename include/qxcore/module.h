@@ -95,7 +95,7 @@ QX_API QXResult QXLibOpen(const wchar* path, QXHandle* out);
  * Gives one opening of a library up. The system may keep the library in memory all the same.
  *
  * @param library  what QXLibOpen gave.
- * @return QX_S_OK; QX_E_FAIL if the system refuses.
+ * @return QX_S_OK; QX_E_HANDLE for null; QX_E_FAIL if the system refuses.
  */
 QX_API QXResult QXLibClose(QXHandle library);
 

@@ -72,7 +72,7 @@ char16_t* _ltow(i32 value, char16_t* buffer, int radix) noexcept;
 char* _i64toa(i64 value, char* buffer, int radix) noexcept;
 char16_t* _i64tow(i64 value, char16_t* buffer, int radix) noexcept;
 
-// Writes formatted text of at most `size` units and gives their number; the terminator is stored if
+// Our own on every platform. Writes formatted text of at most `size` units and gives their number; the terminator is stored if
 // there is room for it. Text that is longer is cut, and the result is -1. Nothing behind the end of
 // the buffer is read from a text argument but for one unit.
 //

@@ -15,7 +15,8 @@ namespace platform {
 // anything.
 HMODULE LoadLibraryW(const char16_t* path) noexcept;
 
-// Gives one opening up. False on failure: the last error is 126. The system may keep the library.
+// Gives one opening up. False on failure: the last error is 126, or 6 for null. The system may
+// keep the library.
 bool FreeLibrary(HMODULE library) noexcept;
 
 // Finds a symbol that the library itself exports. Null on failure: the last error is 127, or 126 if

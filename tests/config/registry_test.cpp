@@ -1,8 +1,10 @@
 #include "config/registry_support.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "support/allocation_fault.h"
+#include "support/known_differences.h"
 
 namespace {
 
@@ -15,7 +17,7 @@ TEST_F(Registry, TellsEachFailureByItsCode) {
     char small[2];
     uint32_t length = sizeof small;
     uint32_t type = 99;
-    const std::u16string longName(256, u'n');
+    const std::u16string longName(KeyNamesMayHave256Units() ? 257 : 256, u'n');
     struct {
         const char* what;
         QXResult result;
@@ -55,6 +57,9 @@ TEST_F(Registry, TellsEachFailureByItsCode) {
 }
 
 TEST_F(Registry, KeepsEachViewOfEachRootApart) {
+    if (!kOwnRegistryHasViews) {
+        GTEST_SKIP();
+    }
     for (int32_t root = 0; root < 5; ++root) {
         ASSERT_EQ(
             SetText(u"Key", u"name", std::u16string(1, static_cast<char16_t>(u'0' + root)), root),
@@ -130,7 +135,8 @@ TEST_F(Registry, ExpandsWhatTheEnvironmentKnows) {
         {u"%QX_NONE%", u"%QX_NONE%"},
         {u"100%", u"100%"},
         {u"%%", u"%%"},
-        {u"%QX_NONE%QX_T%", u"%QX_NONEv\u00E4\U0001F600"},
+        {u"%QX_NONE%QX_T%",
+         UnknownVariableTakesItsEnd() ? u"%QX_NONE%QX_T%" : u"%QX_NONEv\u00E4\U0001F600"},
         {u"%QX_\u00C4%", u"umlaut"},
         {u"%QX_\xD800%", u"%QX_\xD800%"},
     };
@@ -188,7 +194,8 @@ TEST_F(Registry, NamesMayHoldAnyUnit) {
     for (const char16_t* name : names) {
         EXPECT_EQ(Text(name, name), name);
     }
-    EXPECT_EQ(Text(u"\\\\A/B\\", u"A/B"), u"a/b");
+    EXPECT_EQ(Text(u"A/B\\", u"A/B"), u"a/b");
+    EXPECT_EQ(Text(u"\\\\A/B", u"A/B"), kKeyPathsMayBeginWithSeparator ? u"a/b" : u"<failed>");
     EXPECT_EQ(Text(u"\u00C4\u0416", u"\u00C4\u0416"), u"\u00E4\u0436");
     EXPECT_EQ(QXRegistryDeleteKey(QX_HKEY_USER, u"A"), 0);
     EXPECT_EQ(SubkeysOf(u"").size(), std::size(names) - 1);
@@ -199,17 +206,24 @@ TEST_F(Registry, EnumeratesKeysByFoldedNameAndStepsOverWhatDoesNotFit) {
         ASSERT_EQ(SetText(path, u"", u""), 0);
     }
     ASSERT_EQ(SetText(u"K\\AB", u"", u""), 0);
-    EXPECT_EQ(SubkeysOf(u"k"),
-              (std::vector<std::u16string>{u"a", u"Ab", u"b", u"C", u"_", u"\u00E4"}));
+    std::vector<std::u16string> inOrder = {u"a", u"Ab", u"b", u"C", u"_", u"\u00E4"};
+    if (KeysAreOrderedInLowerCase()) {
+        std::rotate(inOrder.begin(), inOrder.begin() + 4, inOrder.begin() + 5);
+    }
+    EXPECT_EQ(SubkeysOf(u"k"), inOrder);
     QXHandle keys;
     ASSERT_EQ(QXRegistryOpenKeyEnum(QX_HKEY_USER, u"k", &keys), 0);
     char16_t name[2];
+    if (KeysAreOrderedInLowerCase()) {
+        uint32_t length = 2;
+        EXPECT_EQ(QXRegistryEnumNextKey(keys, name, &length), QX_S_OK);
+    }
     for (const QXResult expected : {QX_S_OK, QX_E_FAIL, QX_S_OK}) {
         uint32_t length = 2;
         EXPECT_EQ(QXRegistryEnumNextKey(keys, name, &length), expected);
     }
     EXPECT_EQ(name[0], u'b');
-    EXPECT_EQ(Names(keys).size(), 3u);
+    EXPECT_EQ(Names(keys).size(), KeysAreOrderedInLowerCase() ? 2u : 3u);
     EXPECT_TRUE(Names(keys).empty()) << "the end goes on";
     QXRegistryCloseEnum(keys);
 }
@@ -235,8 +249,13 @@ TEST_F(Registry, DeletesTreesAndMixesTheNumbersOfWhatFails) {
     EXPECT_EQ(QXRegistryDeleteKey(QX_HKEY_USER, u"k"), 5);
     EXPECT_EQ(SubkeysOf(u"k"), (std::vector<std::u16string>{longest}));
     ASSERT_EQ(SetText(u"other\\below", u"v", u"text"), 0);
-    EXPECT_EQ(QXRegistryDeleteKey(QX_HKEY_USER, u"\\"), 5) << "the root itself stays";
-    EXPECT_EQ(SubkeysOf(u""), (std::vector<std::u16string>{u"k"}));
+    if (kKeyPathsMayBeginWithSeparator) {
+        EXPECT_EQ(QXRegistryDeleteKey(QX_HKEY_USER, u"\\"), 5) << "the root itself stays";
+        EXPECT_EQ(SubkeysOf(u""), (std::vector<std::u16string>{u"k"}));
+    } else {
+        EXPECT_EQ(QXRegistryDeleteKey(QX_HKEY_USER, u"\\"), QX_E_FAIL);
+        EXPECT_EQ(SubkeysOf(u""), (std::vector<std::u16string>{u"k", u"other"}));
+    }
 }
 
 }  // namespace

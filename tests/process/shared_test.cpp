@@ -7,6 +7,7 @@
 #include <thread>
 #include <vector>
 
+#include "support/known_differences.h"
 #include "support/unique_name.h"
 
 namespace {
@@ -164,7 +165,8 @@ TEST(SharedMem, ViewsShowEachOthersWritesAndOutliveTheHandle) {
     EXPECT_EQ(QX_S_OK, QXSharedMemClose(second));
     EXPECT_EQ(QX_S_OK, QXSharedMemDetach(other));
     QXHandle again;
-    EXPECT_EQ(QX_S_OK, OpenMemory(name, QX_FILE_CREATE, 1, &again));
+    EXPECT_EQ(ViewsKeepTheNameOfAMapping() ? QX_S_OK : kNew,
+              OpenMemory(name, QX_FILE_CREATE, 1, &again));
     EXPECT_EQ(QX_S_OK, QXSharedMemClose(again));
     EXPECT_EQ(QX_S_OK, QXSharedMemDetach(view));
     EXPECT_EQ(QX_E_NOTFOUND, OpenMemory(name, 0, 1, &again));

@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <fstream>
 
+#include "support/known_differences.h"
 #include "support/system.h"
 
 extern "C" char** environ;
@@ -43,6 +44,10 @@ void CloseOnce(int* descriptor) {
 }
 
 }  // namespace
+
+bool RunsUnderWine() {
+    return false;
+}
 
 void PrepareProgram() {}
 

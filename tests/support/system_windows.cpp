@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <iterator>
 
+#include "support/known_differences.h"
 #include "support/system.h"
 
 namespace {
@@ -82,6 +83,10 @@ void RedirectRoots(const std::wstring& registry) {
 }
 
 }  // namespace
+
+bool RunsUnderWine() {
+    return ::GetProcAddress(::GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
+}
 
 void PrepareProgram() {
     ::_setmode(::_fileno(stdin), _O_BINARY);

@@ -2,11 +2,15 @@
 #include <qxcore/locale.h>
 #include <unicode/uloc.h>
 
+#include <algorithm>
 #include <map>
 #include <set>
 #include <string>
+#include <vector>
 
+#include "platform/locale.h"
 #include "support/exact_text.h"
+#include "support/known_differences.h"
 #include "text/locale_names.h"
 
 namespace {
@@ -46,13 +50,17 @@ struct LocaleRow {
 };
 
 TEST(DefaultLocale, IsTheProcessesOwnAndFitsEveryBuffer) {
-    const LocaleRow kRows[] = {{"en_US", u"en_US"},
-                               {"de_AT", u"de_AT"},
-                               {"en_US_POSIX", u"en_US_POSIX"},
-                               {"ja", u"ja"},
-                               {"de@collation=phonebook", u"de__PHONEBOOK"},
-                               {"xx_YY", u"en_US"}};
-    for (const LocaleRow& row : kRows) {
+    std::vector<LocaleRow> rows = {{"en_US", u"en_US"},
+                                   {"de_AT", u"de_AT"},
+                                   {"en_US_POSIX", u"en_US_POSIX"},
+                                   {"ja", u"ja"},
+                                   {"de@collation=phonebook", u"de__PHONEBOOK"},
+                                   {"xx_YY", u"en_US"}};
+    if (!kLocaleIsOfIcu) {
+        const std::string name = QXLocaleNameFromLCID(platform::GetUserDefaultLCID());
+        rows = {{"", {name.begin(), name.end()}}};
+    }
+    for (const LocaleRow& row : rows) {
         UErrorCode status = U_ZERO_ERROR;
         uloc_setDefault(row.locale, &status);
         for (size_t size = 0; size <= row.name.size() + 4; ++size) {
@@ -77,7 +85,9 @@ TEST(DefaultEncoding, NeedsEightUnits) {
     }
     ExactBlock<char16_t> buffer(8);
     EXPECT_EQ(QX_S_OK, QXGetDefaultCharEncoding(buffer.Begin(), 8));
-    EXPECT_STREQ("UTF-8", std::string(buffer.Begin(), buffer.Begin() + 6).c_str());
+    const std::string page = "CP" + std::to_string(platform::GetACP());
+    EXPECT_EQ(kNarrowTextIsUtf8 ? "UTF-8" : page,
+              std::string(buffer.Begin(), std::find(buffer.Begin(), buffer.Begin() + 8, u'\0')));
     const std::map<uint32_t, std::u16string> kPages = {{65001, u"UTF-8"},
                                                        {932, u"CP932"},
                                                        {1252, u"CP1252"},

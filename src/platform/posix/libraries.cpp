@@ -78,7 +78,7 @@ bool FreeLibrary(HMODULE library) noexcept {
     if (IsHandle(library) && ::dlclose(library) == 0) {
         return true;
     }
-    SetLastError(kErrorModuleNotFound);
+    SetLastError(library == nullptr ? kErrorInvalidHandle : kErrorModuleNotFound);
     return false;
 }
 

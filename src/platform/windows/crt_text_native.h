@@ -2,8 +2,6 @@
 #define QX_PLATFORM_WINDOWS_CRT_TEXT_NATIVE_H
 
 #include <cctype>
-#include <cstdarg>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <cwchar>
@@ -92,11 +90,6 @@ inline int iswdigit(char16_t unit) noexcept {
 
 inline int iswspace(char16_t unit) noexcept {
     return ::iswspace(unit);
-}
-
-inline int _vsnwprintf(char16_t* buffer, std::size_t size, const char16_t* format,
-                       std::va_list arguments) noexcept {
-    return ::_vsnwprintf(Native(buffer), size, Native(format), arguments);
 }
 
 }  // namespace platform

@@ -1,5 +1,6 @@
 // Formatted text in wide units, with the reference platform's conversions. What the C library knows
-// as well, numbers, is handed to it.
+// as well, numbers, is handed to it: the narrow functions of every one of them agree on those.
+#include <narrow_character.h>
 #include <stdio.h>
 
 #include <algorithm>
@@ -10,7 +11,6 @@
 #include <string_view>
 
 #include "platform/crt_text.h"
-#include "utf8.h"
 
 namespace platform {
 namespace {
@@ -21,7 +21,7 @@ constexpr std::size_t kLongestNumber = 20'000;
 
 // The width of an argument, or of a text's units.
 enum class Size { kDefault, kChar, kShort, kLong, kLongLong, kLongDouble };
-static_assert(sizeof(long) == sizeof(i64) && sizeof(void*) == sizeof(i64));
+static_assert(sizeof(void*) == sizeof(i64));
 
 // Places in "-+ #0".
 constexpr int kFlagCount = 5;
@@ -57,15 +57,13 @@ template <typename Take>
 std::size_t ForEachCharacter(const char* text, std::size_t limit, Take take) noexcept {
     std::size_t units = 0;
     while (units < limit && *text != '\0') {
-        const utf::Decoded read = utf::DecodeUtf8(text, UINT64_MAX);
-        const auto encoded = utf::EncodeUtf16(
-            read.character != utf::kIllFormed ? read.character : utf::kReplacement);
-        if (encoded.length > limit - units) {
+        const NarrowCharacter character = ReadNarrowCharacter(text);
+        if (character.length > limit - units) {
             break;
         }
-        text += read.units;
-        units += encoded.length;
-        take(encoded);
+        text += character.bytes;
+        units += character.length;
+        take(character);
     }
     return units;
 }
@@ -92,9 +90,9 @@ class Sink {
     }
 
     void PutNarrow(const char* text, std::size_t limit) noexcept {
-        ForEachCharacter(text, limit, [this](const auto& encoded) {
-            for (u32 index = 0; index < encoded.length; ++index) {
-                Put(encoded.units[index]);
+        ForEachCharacter(text, limit, [this](const NarrowCharacter& character) {
+            for (u32 index = 0; index < character.length; ++index) {
+                Put(character.units[index]);
             }
         });
     }
@@ -170,6 +168,7 @@ class Arguments {
             case Size::kShort:
                 return static_cast<i16>(TakeInt());
             case Size::kLong:
+                return va_arg(m_list, long);
             case Size::kLongLong:
                 return va_arg(m_list, i64);
             default:
@@ -186,6 +185,8 @@ class Arguments {
                 return static_cast<u16>(value);
             case Size::kDefault:
                 return static_cast<u32>(value);
+            case Size::kLong:
+                return static_cast<unsigned long>(value);
             default:
                 return value;
         }
@@ -308,7 +309,7 @@ void PutWideText(Sink& sink, const Conversion& conversion, const char16_t* text)
 void PutNarrowText(Sink& sink, const Conversion& conversion, const char* text) noexcept {
     text = text != nullptr ? text : "(null)";
     const std::size_t limit = LimitOf(sink, conversion);
-    const std::size_t length = ForEachCharacter(text, limit, [](const auto&) {});
+    const std::size_t length = ForEachCharacter(text, limit, [](const NarrowCharacter&) {});
     PutPadded(sink, conversion, length, [&] { sink.PutNarrow(text, limit); });
 }
 
@@ -330,8 +331,8 @@ void PutCharacter(Sink& sink, const Conversion& conversion, Arguments& arguments
     const int character = arguments.TakeInt();
     char16_t unit = static_cast<char16_t>(character);
     if (IsNarrow(conversion, u'C')) {
-        const u8 byte = static_cast<u8>(character);
-        unit = byte < 0x80 ? byte : static_cast<char16_t>(utf::kReplacement);
+        const char text[] = {static_cast<char>(character), '\0'};
+        unit = character == 0 ? u'\0' : ReadNarrowCharacter(text).units[0];
     }
     PutPadded(sink, conversion, 1, [&] { sink.Put(unit); });
 }
