@@ -1,5 +1,7 @@
 #include "child_check.h"
 
+#include <cstdio>
+
 #include "support.h"
 
 namespace {

@@ -127,7 +127,11 @@ int Count(const Options& options) {
     const TextCounts total = TotalOf(reports);
     PrintReports(reports, total, options);
     const bool isGood = CheckTotal(options, reports, total) & FailedNowhere(reports);
-    return isGood && std::ferror(stdout) == 0 ? kDone : kFailed;
+    if (std::ferror(stdout) != 0) {
+        Complain("standard output", QX_E_FAIL);
+        return kFailed;
+    }
+    return isGood ? kDone : kFailed;
 }
 
 int Run(const Options& options) {

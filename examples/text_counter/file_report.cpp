@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cinttypes>
+#include <cstdio>
 #include <tuple>
 
 TextCounts& operator+=(TextCounts& sum, const TextCounts& counts) {

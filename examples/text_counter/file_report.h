@@ -2,7 +2,6 @@
 #ifndef EXAMPLES_FILE_REPORT_H
 #define EXAMPLES_FILE_REPORT_H
 
-#include <cstdio>
 #include <deque>
 #include <string>
 
