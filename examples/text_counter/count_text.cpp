@@ -64,7 +64,11 @@ void CountPaths(const Options& options, size_t jobs, WorkQueue* queue, Progress*
     }
     Walker walker(queue, reports);
     for (const char* const path : options.paths) {
-        walker.Walk(Wide(path));
+        try {
+            walker.Walk(Wide(path));
+        } catch (const Failure& failure) {
+            walker.AddFailure(WideForPeople(path), failure.result);
+        }
     }
 }
 

@@ -2,6 +2,13 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
+
+namespace {
+
+constexpr int32_t kReplacement = 0xFFFD;
+
+}  // namespace
 
 std::u16string Wide(const char* narrow) {
     const std::string source = narrow;
@@ -16,8 +23,15 @@ std::u16string Wide(const char* narrow) {
     return wide;
 }
 
+std::u16string WideForPeople(const char* narrow) {
+    std::u16string wide(std::strlen(narrow), u'\0');
+    size_t used = 0;
+    QXUTF8ToW(wide.data(), wide.size(), &used, narrow, -1, kReplacement);
+    wide.resize(used);
+    return wide;
+}
+
 std::string Narrow(const std::u16string& wide) {
-    constexpr int32_t kReplacement = 0xFFFD;
     const auto length = static_cast<int32_t>(wide.size());
     std::string narrow(wide.size() * 3, '\0');
     size_t used = 0;

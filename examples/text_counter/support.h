@@ -79,6 +79,9 @@ class Locked {
 // An argument of the command line. Throws a Failure if it is no text.
 std::u16string Wide(const char* narrow);
 
+// The same for people: what is no text in it becomes U+FFFD.
+std::u16string WideForPeople(const char* narrow);
+
 // For people, in UTF-8. What is no text in a file's name becomes U+FFFD.
 std::string Narrow(const std::u16string& wide);
 

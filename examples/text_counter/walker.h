@@ -11,11 +11,11 @@ class Walker {
 
     // A file, or a directory with all that is below it, in the order of the names.
     void Walk(const std::u16string& path);
+    void AddFailure(const std::u16string& path, QXResult result);
 
   private:
     void WalkDirectory(const std::u16string& path);
     void AddFile(const std::u16string& path);
-    void AddFailure(const std::u16string& path, QXResult result);
 
     WorkQueue* m_queue;
     FileReports* m_reports;
