@@ -48,4 +48,11 @@ TEST(Rows, SurviveTheWayThroughText) {
     }
 }
 
+TEST(Text, IsShownToPeopleEvenIfItIsNone) {
+    EXPECT_EQ(u"README.md", Wide("README.md"));
+    EXPECT_EQ(u"nix\uFFFDda \u00E4", WideForPeople("nix\xFF"
+                                                   "da \xC3\xA4"));
+    EXPECT_EQ("\xEF\xBF\xBD \xC3\xA4", Narrow(u"\xDCFF \u00E4"));
+}
+
 }  // namespace
