@@ -15,7 +15,7 @@
 namespace platform {
 namespace {
 
-constexpr std::size_t kStackSize = 16 * 1024;
+constexpr std::size_t kStackSize = std::size_t{16} << 10;
 
 struct Launch {
     const ProgramStart& m_start;
