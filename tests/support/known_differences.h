@@ -40,6 +40,9 @@ inline bool UseLocaleOfWideLetters() {
     return std::setlocale(LC_ALL, kOnReferencePlatform ? "" : "C.UTF-8") != nullptr;
 }
 
+// The lower case of 0xC3 in narrow text.
+inline constexpr int kLowerOfHighUnit = kNarrowTextIsUtf8 ? 0xC3 : 0xE3;
+
 // A locale in which narrow letters above ASCII have none.
 inline void UseLocaleOfNarrowLetters() {
     if (!kNarrowTextIsUtf8) {
