@@ -1,0 +1,144 @@
+// qxreg's backup of a whole store, and what it shows on a terminal.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <qxcore.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <fstream>
+
+#include "support/child_role.h"
+#include "support/system.h"
+
+namespace {
+
+uint32_t NumberOf(const wchar* name) {
+    uint32_t number = 0;
+    uint32_t size = sizeof number;
+    EXPECT_EQ(QX_S_OK, QXRegistryGetValue(QX_HKEY_USER, u"Pair", name, nullptr, &number, &size));
+    return number;
+}
+
+bool SetNumber(const wchar* name, uint32_t number) {
+    return QX_SUCCEEDED(
+        QXRegistrySetValue(QX_HKEY_USER, u"Pair", name, QX_REG_DWORD, &number, sizeof number));
+}
+
+// Writes the first number of a pair and then the second, until its input ends.
+CHILD_ROLE(PairWriter) {
+    uint32_t number = 0;
+    bool isWritten = SetNumber(u"a", 0) && SetNumber(u"b", 0);
+    std::puts("ready");
+    std::fflush(stdout);
+    ::fcntl(STDIN_FILENO, F_SETFL, O_NONBLOCK);
+    char byte;
+    while (isWritten && ::read(STDIN_FILENO, &byte, 1) != 0) {
+        ++number;
+        isWritten = SetNumber(u"a", number) && SetNumber(u"b", number);
+    }
+    return isWritten ? 0 : 1;
+}
+
+int Run(const ChildProcess::Arguments& arguments) {
+    return ChildProcess::OfProgram(QXREG, arguments).Wait();
+}
+
+TEST(QxregStore, ABackupIsOfOneMomentWhileOthersWrite) {
+    const OwnRegistry registry;
+    const std::string file = registry.Folder() / "backup";
+    uint32_t last = 0;
+    for (int round = 0; round < 5; ++round) {
+        ChildProcess writer("PairWriter");
+        ASSERT_EQ("ready", writer.ReadLine());
+        ASSERT_EQ(0, Run({"backup", file}));
+        EXPECT_EQ(0, writer.Wait());
+        const uint32_t now = NumberOf(u"a");
+        ASSERT_EQ(0, Run({"restore", file}));
+        EXPECT_LE(NumberOf(u"a") - NumberOf(u"b"), 1u);
+        EXPECT_LE(NumberOf(u"a"), now);
+        last = NumberOf(u"a");
+    }
+    // Who writes meanwhile goes on, in the same file.
+    ChildProcess writer("PairWriter");
+    ASSERT_EQ("ready", writer.ReadLine());
+    EXPECT_EQ(0, Run({"restore", file}));
+    EXPECT_EQ(0, writer.Wait());
+    ASSERT_EQ(0, Run({"restore", file}));
+    EXPECT_EQ(last, NumberOf(u"a"));
+}
+
+TEST(QxregStore, ARestoreTakesOnlyABackupOfThatStore) {
+    const OwnRegistry registry;
+    const std::string folder = registry.Folder();
+    EXPECT_EQ(1, Run({"backup", folder + "/none"}));
+    ASSERT_TRUE(SetNumber(u"a", 7));
+    ASSERT_EQ(0, Run({"backup", folder + "/good"}));
+    std::ofstream(folder + "/text") << std::string(8192, 'x');
+    std::ofstream(folder + "/empty");
+    {
+        std::ifstream good(folder + "/good", std::ios::binary);
+        std::string bytes{std::istreambuf_iterator<char>(good), {}};
+        std::fill(bytes.begin() + 4096, bytes.end(), '\x55');
+        std::ofstream(folder + "/damaged", std::ios::binary) << bytes;
+    }
+    for (const char* name : {"/missing", "/text", "/empty", "/damaged"}) {
+        EXPECT_EQ(1, Run({"restore", folder + name})) << name;
+    }
+    EXPECT_EQ(1, Run({"restore", "--machine", folder + "/good"}));
+    EXPECT_EQ(7u, NumberOf(u"a"));
+    EXPECT_FALSE(std::filesystem::exists(folder + "/machine.db"));
+    // A store that is gone comes back.
+    for (const char* name : {"/user.db", "/user.db-wal", "/user.db-shm"}) {
+        std::filesystem::remove(folder + name);
+    }
+    ASSERT_EQ(0, Run({"restore", folder + "/good"}));
+    EXPECT_EQ(0, Run({"get", "user\\Pair", "a"}));
+    // A file of something else is not overwritten.
+    std::ofstream(folder + "/machine.db") << "something else";
+    EXPECT_EQ(1, Run({"backup", "--machine", folder + "/other"}));
+}
+
+// Half of the keys' numbers were given after the backup: none of them may come again.
+TEST(QxregStore, NoNumberOfAKeyIsGivenAgainByARestore) {
+    const OwnRegistry registry;
+    const std::string file = registry.Folder() / "backup";
+    ASSERT_TRUE(SetNumber(u"a", 1));
+    ASSERT_EQ(0, Run({"backup", file}));
+    ASSERT_EQ(QX_S_OK, QXRegistrySetValue(QX_HKEY_USER, u"Later", u"x", QX_REG_BINARY, "", 0));
+    QXHandle values;
+    ASSERT_EQ(QX_S_OK, QXRegistryOpenValueEnum(QX_HKEY_USER, u"Later", &values));
+    ASSERT_EQ(0, Run({"restore", file}));
+    ASSERT_EQ(QX_S_OK, QXRegistrySetValue(QX_HKEY_USER, u"Other", u"x", QX_REG_BINARY, "", 0));
+    wchar name[8];
+    uint32_t units = 8;
+    uint32_t type;
+    uint32_t size = 0;
+    EXPECT_EQ(QX_E_FAIL, QXRegistryEnumNextValue(values, name, &units, &type, nullptr, &size));
+    QXRegistryCloseEnum(values);
+}
+
+TEST(QxregProgress, ShowsOnATerminalOnly) {
+    const OwnRegistry registry;
+    const std::string folder = registry.Folder();
+    std::ofstream file(folder + "/long.reg");
+    file << "Windows Registry Editor Version 5.00\n[HKEY_CURRENT_USER\\Long]\n";
+    for (int i = 0; i < 1200; ++i) {
+        file << '"' << i << "\"=dword:1\n";
+    }
+    file.close();
+    const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY);
+    ASSERT_TRUE(terminal >= 0 && ::grantpt(terminal) == 0 && ::unlockpt(terminal) == 0);
+    const int screen = ::open(::ptsname(terminal), O_RDWR | O_NOCTTY);
+    const std::string import = QXREG " import '" + folder + "/long.reg' 2>";
+    ASSERT_EQ(0, std::system((import + "'" + ::ptsname(terminal) + "'").c_str()));
+    char shown[1000] = "";
+    ASSERT_LT(0, ::read(terminal, shown, sizeof shown - 1));
+    EXPECT_NE(nullptr, std::strstr(shown, "500 of 1200"));
+    ::close(screen);
+    ::close(terminal);
+    ASSERT_EQ(0, std::system((import + "'" + folder + "/quiet'").c_str()));
+    EXPECT_TRUE(std::filesystem::is_empty(folder + "/quiet"));
+}
+
+}  // namespace
