@@ -31,9 +31,8 @@
  * the log alone is then lost. What cannot be told is a copy over the file in its place (`cp`), and
  * a file that is put there, in whatever way, when nobody who knows the old one is running but its
  * log is still there, as after a kill: the old log would be taken for the new file's. So the right
- * way is to stop who uses the registry, remove the three files, and then move the new one there;
- * and to copy with a tool for such databases (`sqlite3 user.db ".backup COPY"`), which takes the
- * log along.
+ * way is `qxreg backup` and `qxreg restore`, which take the log along and stop nobody; or else to
+ * stop who uses the registry, remove the three files, and then move the new one there.
  *
  * One process may have several copies of this library, but only one of SQLite: two copies of that
  * in one process (as `dlmopen` makes them) undo each other's locks on a file, and lose values.

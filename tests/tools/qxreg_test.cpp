@@ -24,7 +24,7 @@ struct Outcome {
     std::string m_complaint;
 };
 
-Outcome Run(std::vector<std::string> words) {
+Outcome Qxreg(std::vector<std::string> words) {
     std::ostringstream output;
     std::ostringstream complaint;
     std::streambuf* const out = std::cout.rdbuf(output.rdbuf());
@@ -123,7 +123,7 @@ TEST_F(QxregTest, StatusAndOutputOfTheCommands) {
         {{}, 2, ""},
     };
     for (const Row& row : rows) {
-        const Outcome outcome = Run(row.m_words);
+        const Outcome outcome = Qxreg(row.m_words);
         const std::string which = testing::PrintToString(row.m_words) + outcome.m_complaint;
         EXPECT_EQ(row.m_status, outcome.m_status) << which;
         EXPECT_EQ(row.m_output, outcome.m_output) << which;
@@ -154,13 +154,13 @@ TEST_F(QxregTest, ExportsTheTextThatEditorsWrite) {
                                  "\r\n\"empty\"=hex:\r\n"
                                  "\r\n[HKEY_CURRENT_USER\\QxregTest\\b]]\r\n"
                                  "\r\n[HKEY_CURRENT_USER\\QxregTest\\b]\\c]\r\n";
-    EXPECT_EQ(expected, Run({"export", "-u", "-", "user\\QxregTest"}).m_output);
-    EXPECT_EQ(Utf16Of(expected, false), Run({"export", "-", "user\\QxregTest"}).m_output);
+    EXPECT_EQ(expected, Qxreg({"export", "-u", "-", "user\\QxregTest"}).m_output);
+    EXPECT_EQ(Utf16Of(expected, false), Qxreg({"export", "-", "user\\QxregTest"}).m_output);
     const Tree before = TreeOf(kTop);
     for (const std::string& file :
          {expected, "\xEF\xBB\xBF" + expected, Utf16Of(expected, true), Utf16Of(expected, false)}) {
         DeleteKey(kTop);
-        const Outcome outcome = Run({"import", FileOf(file)});
+        const Outcome outcome = Qxreg({"import", FileOf(file)});
         EXPECT_EQ(0, outcome.m_status) << outcome.m_complaint;
         EXPECT_EQ(before, TreeOf(kTop));
     }
@@ -200,9 +200,9 @@ TEST_F(QxregTest, ExportWipeImportGivesTheSameTree) {
             }
         }
         const Tree before = TreeOf(kTop);
-        ASSERT_EQ(0, Run({"export", File("tree.reg"), "user\\QxregTest"}).m_status);
+        ASSERT_EQ(0, Qxreg({"export", File("tree.reg"), "user\\QxregTest"}).m_status);
         DeleteKey(kTop);
-        const Outcome outcome = Run({"import", File("tree.reg")});
+        const Outcome outcome = Qxreg({"import", File("tree.reg")});
         ASSERT_EQ(0, outcome.m_status) << outcome.m_complaint;
         ASSERT_EQ(before, TreeOf(kTop)) << "round " << round;
         DeleteKey(kTop);
@@ -212,16 +212,16 @@ TEST_F(QxregTest, ExportWipeImportGivesTheSameTree) {
 TEST_F(QxregTest, ImportTakesWhatPeopleWrite) {
     WriteValue(Beneath(kTop, u"Old\\Below"), {u"x", kNativeBinary, ""});
     WriteValue(kTop, {u"gone", kNativeBinary, ""});
-    const Outcome outcome = Run({"import", FileOf("windows registry editor version 5.00 \n"
-                                                  "; comment\n\n"
-                                                  "  [-HKEY_CURRENT_USER\\QxregTest\\Old]\n"
-                                                  "[-HKEY_CURRENT_USER\\QxregTest\\Never]\n"
-                                                  "[hkey_current_user\\QxregTest] ; behind\n"
-                                                  "\"gone\"=-\n\"never\" = -\r\n"
-                                                  " \"d\" = DWORD:A ; behind\r"
-                                                  "\"two\nlines\"=\"x\r\ny\"\n"
-                                                  "\"h\"=hex:1,\\ ; behind\n  02 , \\\n\n"
-                                                  "\"t\"=hex(2):61,00,00,00")});
+    const Outcome outcome = Qxreg({"import", FileOf("windows registry editor version 5.00 \n"
+                                                    "; comment\n\n"
+                                                    "  [-HKEY_CURRENT_USER\\QxregTest\\Old]\n"
+                                                    "[-HKEY_CURRENT_USER\\QxregTest\\Never]\n"
+                                                    "[hkey_current_user\\QxregTest] ; behind\n"
+                                                    "\"gone\"=-\n\"never\" = -\r\n"
+                                                    " \"d\" = DWORD:A ; behind\r"
+                                                    "\"two\nlines\"=\"x\r\ny\"\n"
+                                                    "\"h\"=hex:1,\\ ; behind\n  02 , \\\n\n"
+                                                    "\"t\"=hex(2):61,00,00,00")});
     EXPECT_EQ(0, outcome.m_status) << outcome.m_complaint;
     const Tree expected{{kTop,
                          {{u"d", kNativeDword, {"\x0A\0\0\0", 4}},
@@ -262,13 +262,13 @@ TEST_F(QxregTest, NothingIsImportedOfAFileThatIsMalformed) {
         {good + "\"q\"=hex(0):", "line 4: the type none"},
     };
     for (const Row& row : rows) {
-        const Outcome outcome = Run({"import", FileOf(row.m_text)});
+        const Outcome outcome = Qxreg({"import", FileOf(row.m_text)});
         EXPECT_EQ(1, outcome.m_status) << row.m_text;
         EXPECT_NE(outcome.m_complaint.npos, outcome.m_complaint.find(row.m_complaint))
             << row.m_text << outcome.m_complaint;
         EXPECT_FALSE(HasKey(kTop)) << row.m_text;
     }
-    EXPECT_EQ(1, Run({"import", "-k", FileOf(good + "\"q\"=hex(b):\n\"z\"=dword:1")}).m_status);
+    EXPECT_EQ(1, Qxreg({"import", "-k", FileOf(good + "\"q\"=hex(b):\n\"z\"=dword:1")}).m_status);
     EXPECT_EQ(2u, ValuesOf(kTop).size());
 }
 

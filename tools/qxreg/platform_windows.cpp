@@ -88,11 +88,11 @@ bool FlushToDisk(const std::filesystem::path& path) {
 
 // The system does not write over a file.
 void BackUpStore(Store store, const std::filesystem::path& file) {
-    const StoreKey key(store, SE_BACKUP_NAME);
+    const StoreKey key(store, L"SeBackupPrivilege");
     StoreKey::Check(::RegSaveKeyExW(key.Get(), file.c_str(), nullptr, REG_LATEST_FORMAT));
 }
 
 void RestoreStore(Store store, const std::filesystem::path& file) {
-    const StoreKey key(store, SE_RESTORE_NAME);
+    const StoreKey key(store, L"SeRestorePrivilege");
     StoreKey::Check(::RegRestoreKeyW(key.Get(), file.c_str(), REG_FORCE_RESTORE));
 }

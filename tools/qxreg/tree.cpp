@@ -3,6 +3,7 @@
 #include <qxcore/registry.h>
 #include <qxcore/result.h>
 
+#include <memory>
 #include <optional>
 
 #include "failure.h"
@@ -116,6 +117,38 @@ QXResult Read(const Key& key, Value& value) {
     return result;
 }
 
+std::vector<Value> ReadValues(const Key& key, const Enumeration& enumeration) {
+    std::vector<Value> values;
+    const auto name = std::make_unique_for_overwrite<char16_t[]>(kNameCapacity);
+    for (;;) {
+        uint32_t length = kNameCapacity;
+        uint32_t type = kUnknown;
+        uint32_t size = 0;
+        if (QXRegistryEnumNextValue(enumeration.Get(), name.get(), &length, &type, nullptr,
+                                    &size) != QX_S_OK) {
+            return values;
+        }
+        Value value{{name.get(), length}, type, {}};
+        const QXResult result = Read(key, value);
+        if (result != QX_E_NOTFOUND) {
+            Check(result, key, value.m_name);
+            values.push_back(std::move(value));
+        }
+    }
+}
+
+// Nothing for a key that is gone.
+std::optional<std::vector<Value>> ValuesIfThere(const Key& key) {
+    Enumeration enumeration;
+    const QXResult result =
+        QXRegistryOpenValueEnum(key.m_root, key.m_path.c_str(), enumeration.Place());
+    if (result == QX_E_NOTFOUND) {
+        return std::nullopt;
+    }
+    Check(result, key);
+    return ReadValues(key, enumeration);
+}
+
 struct Level {
     Key m_key;
     std::vector<std::u16string> m_below;  // the next one last
@@ -150,14 +183,18 @@ void DeleteBelow(const Key& top) {
 
 }  // namespace
 
+// The one enumeration does not tell why a key cannot be opened; the other one does.
 std::vector<std::u16string> SubkeysOf(const Key& key) {
-    Enumeration values;  // tells why a key cannot be opened, as the other enumeration does not
     Enumeration keys;
     std::vector<std::u16string> names;
-    if (!OpenValues(key, values)) {
+    const QXResult opened = QXRegistryOpenKeyEnum(key.m_root, key.m_path.c_str(), keys.Place());
+    if (opened != QX_S_OK) {
+        Enumeration values;
+        if (OpenValues(key, values)) {
+            Check(opened, key);
+        }
         return names;
     }
-    Check(QXRegistryOpenKeyEnum(key.m_root, key.m_path.c_str(), keys.Place()), key);
     char16_t name[kKeyCapacity];
     for (;;) {
         uint32_t length = kKeyCapacity;
@@ -171,26 +208,7 @@ std::vector<std::u16string> SubkeysOf(const Key& key) {
 
 std::vector<Value> ValuesOf(const Key& key) {
     Enumeration enumeration;
-    std::vector<Value> values;
-    if (!OpenValues(key, enumeration)) {
-        return values;
-    }
-    std::vector<char16_t> name(kNameCapacity);
-    for (;;) {
-        uint32_t length = kNameCapacity;
-        uint32_t type = kUnknown;
-        uint32_t size = 0;
-        if (QXRegistryEnumNextValue(enumeration.Get(), name.data(), &length, &type, nullptr,
-                                    &size) != QX_S_OK) {
-            return values;
-        }
-        Value value{{name.data(), length}, type, {}};
-        const QXResult result = Read(key, value);
-        if (result != QX_E_NOTFOUND) {
-            Check(result, key, value.m_name);
-            values.push_back(std::move(value));
-        }
-    }
+    return OpenValues(key, enumeration) ? ReadValues(key, enumeration) : std::vector<Value>();
 }
 
 Value ReadValue(const Key& key, const std::u16string& name) {
@@ -229,8 +247,8 @@ void Walk(const Key& top, const std::function<void(const Key&, const std::vector
         }
         const Key next = Beneath(level.m_key, level.m_below.back());
         level.m_below.pop_back();
-        if (HasKey(next)) {
-            visit(next, ValuesOf(next));
+        if (const auto values = ValuesIfThere(next)) {
+            visit(next, *values);
             levels.push_back({next, Reversed(SubkeysOf(next))});
         }
     }

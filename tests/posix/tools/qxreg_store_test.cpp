@@ -40,7 +40,7 @@ CHILD_ROLE(PairWriter) {
     return isWritten ? 0 : 1;
 }
 
-int Run(const ChildProcess::Arguments& arguments) {
+int Qxreg(const ChildProcess::Arguments& arguments) {
     return ChildProcess::OfProgram(QXREG, arguments).Wait();
 }
 
@@ -51,10 +51,10 @@ TEST(QxregStore, ABackupIsOfOneMomentWhileOthersWrite) {
     for (int round = 0; round < 5; ++round) {
         ChildProcess writer("PairWriter");
         ASSERT_EQ("ready", writer.ReadLine());
-        ASSERT_EQ(0, Run({"backup", file}));
+        ASSERT_EQ(0, Qxreg({"backup", file}));
         EXPECT_EQ(0, writer.Wait());
         const uint32_t now = NumberOf(u"a");
-        ASSERT_EQ(0, Run({"restore", file}));
+        ASSERT_EQ(0, Qxreg({"restore", file}));
         EXPECT_LE(NumberOf(u"a") - NumberOf(u"b"), 1u);
         EXPECT_LE(NumberOf(u"a"), now);
         last = NumberOf(u"a");
@@ -62,18 +62,18 @@ TEST(QxregStore, ABackupIsOfOneMomentWhileOthersWrite) {
     // Who writes meanwhile goes on, in the same file.
     ChildProcess writer("PairWriter");
     ASSERT_EQ("ready", writer.ReadLine());
-    EXPECT_EQ(0, Run({"restore", file}));
+    EXPECT_EQ(0, Qxreg({"restore", file}));
     EXPECT_EQ(0, writer.Wait());
-    ASSERT_EQ(0, Run({"restore", file}));
+    ASSERT_EQ(0, Qxreg({"restore", file}));
     EXPECT_EQ(last, NumberOf(u"a"));
 }
 
 TEST(QxregStore, ARestoreTakesOnlyABackupOfThatStore) {
     const OwnRegistry registry;
     const std::string folder = registry.Folder();
-    EXPECT_EQ(1, Run({"backup", folder + "/none"}));
+    EXPECT_EQ(1, Qxreg({"backup", folder + "/none"}));
     ASSERT_TRUE(SetNumber(u"a", 7));
-    ASSERT_EQ(0, Run({"backup", folder + "/good"}));
+    ASSERT_EQ(0, Qxreg({"backup", folder + "/good"}));
     std::ofstream(folder + "/text") << std::string(8192, 'x');
     std::ofstream(folder + "/empty");
     {
@@ -83,20 +83,20 @@ TEST(QxregStore, ARestoreTakesOnlyABackupOfThatStore) {
         std::ofstream(folder + "/damaged", std::ios::binary) << bytes;
     }
     for (const char* name : {"/missing", "/text", "/empty", "/damaged"}) {
-        EXPECT_EQ(1, Run({"restore", folder + name})) << name;
+        EXPECT_EQ(1, Qxreg({"restore", folder + name})) << name;
     }
-    EXPECT_EQ(1, Run({"restore", "--machine", folder + "/good"}));
+    EXPECT_EQ(1, Qxreg({"restore", "--machine", folder + "/good"}));
     EXPECT_EQ(7u, NumberOf(u"a"));
     EXPECT_FALSE(std::filesystem::exists(folder + "/machine.db"));
     // A store that is gone comes back.
     for (const char* name : {"/user.db", "/user.db-wal", "/user.db-shm"}) {
         std::filesystem::remove(folder + name);
     }
-    ASSERT_EQ(0, Run({"restore", folder + "/good"}));
-    EXPECT_EQ(0, Run({"get", "user\\Pair", "a"}));
+    ASSERT_EQ(0, Qxreg({"restore", folder + "/good"}));
+    EXPECT_EQ(0, Qxreg({"get", "user\\Pair", "a"}));
     // A file of something else is not overwritten.
     std::ofstream(folder + "/machine.db") << "something else";
-    EXPECT_EQ(1, Run({"backup", "--machine", folder + "/other"}));
+    EXPECT_EQ(1, Qxreg({"backup", "--machine", folder + "/other"}));
 }
 
 // Half of the keys' numbers were given after the backup: none of them may come again.
@@ -104,11 +104,11 @@ TEST(QxregStore, NoNumberOfAKeyIsGivenAgainByARestore) {
     const OwnRegistry registry;
     const std::string file = registry.Folder() / "backup";
     ASSERT_TRUE(SetNumber(u"a", 1));
-    ASSERT_EQ(0, Run({"backup", file}));
+    ASSERT_EQ(0, Qxreg({"backup", file}));
     ASSERT_EQ(QX_S_OK, QXRegistrySetValue(QX_HKEY_USER, u"Later", u"x", QX_REG_BINARY, "", 0));
     QXHandle values;
     ASSERT_EQ(QX_S_OK, QXRegistryOpenValueEnum(QX_HKEY_USER, u"Later", &values));
-    ASSERT_EQ(0, Run({"restore", file}));
+    ASSERT_EQ(0, Qxreg({"restore", file}));
     ASSERT_EQ(QX_S_OK, QXRegistrySetValue(QX_HKEY_USER, u"Other", u"x", QX_REG_BINARY, "", 0));
     wchar name[8];
     uint32_t units = 8;
