@@ -8,6 +8,7 @@
 #include <qxreg/text.h>
 #include <qxreg/tree.h>
 
+#include <algorithm>
 #include <iostream>
 #include <random>
 #include <sstream>
@@ -43,9 +44,16 @@ Outcome Qxreg(std::vector<std::string> words) {
 
 using Tree = std::vector<std::pair<Key, std::vector<Value>>>;
 
+// In an order of our own: that of the registry is the platform's.
 Tree TreeOf(const Key& top) {
     Tree tree;
     Walk(top, [&](const Key& key, const auto& values) { tree.emplace_back(key, values); });
+    for (auto& [key, values] : tree) {
+        std::sort(values.begin(), values.end(),
+                  [](const Value& a, const Value& b) { return a.m_name < b.m_name; });
+    }
+    std::sort(tree.begin(), tree.end(),
+              [](const auto& a, const auto& b) { return a.first.m_path < b.first.m_path; });
     return tree;
 }
 
@@ -79,27 +87,27 @@ TEST_F(QxregTest, StatusAndOutputOfTheCommands) {
     };
     const std::string key = "user\\QxregTest";
     const Row rows[] = {
+        {{"set", key, "", "REG_SZ", "a\tb\\c\xC3\xA4"}, 0, ""},
         {{"set", key, "n", "dword", "0x10"}, 0, ""},
         {{"get", key, "n"}, 0, "16\n"},
         {{"get", "QX_HKEY_USER\\\\qxregtest\\", "N", "--plain"}, 0, "dword\t16\n"},
-        {{"set", key, "", "REG_SZ", "a\tb\\c\xC3\xA4"}, 0, ""},
         {{"get", key, ""}, 0, "a\tb\\c\xC3\xA4\n"},
         {{"get", "--plain", key, ""}, 0, "string\ta\\tb\\\\c\xC3\xA4\n"},
-        {{"set", key + "\\Sub", "m", "multi", "one", "two"}, 0, ""},
-        {{"get", key + "\\Sub", "m"}, 0, "one\ntwo\n"},
-        {{"set", key + "\\Sub", "e", "expand", "%PATH%"}, 0, ""},
         {{"set", key + "\\Sub", "0", "expand", ""}, 0, ""},
         {{"set", key + "\\Sub", "b", "binary", "00fF"}, 0, ""},
+        {{"set", key + "\\Sub", "e", "expand", "%PATH%"}, 0, ""},
+        {{"set", key + "\\Sub", "m", "multi", "one", "two"}, 0, ""},
+        {{"get", key + "\\Sub", "m"}, 0, "one\ntwo\n"},
         {{"list", "-p", "-r", key},
          0,
          "key\tuser\\\\QxregTest\n"
-         "value\tuser\\\\QxregTest\tn\tdword\t16\n"
          "value\tuser\\\\QxregTest\t\tstring\ta\\tb\\\\c\xC3\xA4\n"
+         "value\tuser\\\\QxregTest\tn\tdword\t16\n"
          "key\tuser\\\\QxregTest\\\\Sub\n"
-         "value\tuser\\\\QxregTest\\\\Sub\tm\tmulti\tone\\0two\n"
-         "value\tuser\\\\QxregTest\\\\Sub\te\texpand\t%PATH%\n"
          "value\tuser\\\\QxregTest\\\\Sub\t0\texpand\t\n"
-         "value\tuser\\\\QxregTest\\\\Sub\tb\tbinary\t00ff\n"},
+         "value\tuser\\\\QxregTest\\\\Sub\tb\tbinary\t00ff\n"
+         "value\tuser\\\\QxregTest\\\\Sub\te\texpand\t%PATH%\n"
+         "value\tuser\\\\QxregTest\\\\Sub\tm\tmulti\tone\\0two\n"},
         {{"delete", key}, 1, ""},
         {{"delete", key, "n"}, 0, ""},
         {{"delete", key, "n"}, 1, ""},
@@ -137,8 +145,8 @@ TEST_F(QxregTest, ExportsTheTextThatEditorsWrite) {
     WriteValue(kTop, {u"", kNativeString, BytesOf(text + u'\0')});
     WriteValue(kTop, {u"a\"b\\c", kNativeDword, {"\x0A\x00\x00\xFF", 4}});
     WriteValue(kTop, {u"cut", kNativeString, BytesOf(u"x")});
-    WriteValue(kTop, {u"long", kNativeBinary, std::string(24, '\xAB')});
     WriteValue(kTop, {u"empty", kNativeBinary, ""});
+    WriteValue(kTop, {u"long", kNativeBinary, std::string(24, '\xAB')});
     MakeKey(Beneath(kTop, u"b]\\c"));
     std::string bytes;
     for (int i = 0; i < 24; ++i) {
@@ -149,9 +157,10 @@ TEST_F(QxregTest, ExportsTheTextThatEditorsWrite) {
                                  "@=\"\\\"C:\\\\x\\\" \xC3\xA4\xF0\x9F\x98\x80\"\r\n"
                                  "\"a\\\"b\\\\c\"=dword:ff00000a\r\n"
                                  "\"cut\"=hex(1):78,00\r\n"
+                                 "\"empty\"=hex:\r\n"
                                  "\"long\"=hex:" +
                                  bytes +
-                                 "\r\n\"empty\"=hex:\r\n"
+                                 "\r\n"
                                  "\r\n[HKEY_CURRENT_USER\\QxregTest\\b]]\r\n"
                                  "\r\n[HKEY_CURRENT_USER\\QxregTest\\b]\\c]\r\n";
     EXPECT_EQ(expected, Qxreg({"export", "-u", "-", "user\\QxregTest"}).m_output);
@@ -223,11 +232,12 @@ TEST_F(QxregTest, ImportTakesWhatPeopleWrite) {
                                                     "\"h\"=hex:1,\\ ; behind\n  02 , \\\n\n"
                                                     "\"t\"=hex(2):61,00,00,00")});
     EXPECT_EQ(0, outcome.m_status) << outcome.m_complaint;
-    const Tree expected{{kTop,
-                         {{u"d", kNativeDword, {"\x0A\0\0\0", 4}},
-                          {u"two\nlines", kNativeString, BytesOf(std::u16string(u"x\r\ny\0", 5))},
-                          {u"h", kNativeBinary, "\x01\x02"},
-                          {u"t", kNativeExpand, BytesOf(std::u16string(u"a\0", 2))}}}};
+    const Tree expected{
+        {kTop,
+         {{u"d", kNativeDword, {"\x0A\0\0\0", 4}},
+          {u"h", kNativeBinary, "\x01\x02"},
+          {u"t", kNativeExpand, BytesOf(std::u16string(u"a\0", 2))},
+          {u"two\nlines", kNativeString, BytesOf(std::u16string(u"x\r\ny\0", 5))}}}};
     EXPECT_EQ(expected, TreeOf(kTop));
 }
 
