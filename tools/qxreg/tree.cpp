@@ -269,8 +269,10 @@ void WriteValue(const Key& key, const Value& value) {
         throw Failure(NameOf(key, value.m_name) + ": the type " + TypeName(value.m_type) +
                       " can be read, but not written");
     }
+    // The reference platform counts in a terminator that stands behind text.
+    const std::string bytes = value.m_bytes + "\xFF\xFF";
     Check(QXRegistrySetValue(key.m_root, key.m_path.c_str(), value.m_name.c_str(), *type,
-                             value.m_bytes.data(), static_cast<uint32_t>(value.m_bytes.size())),
+                             bytes.data(), static_cast<uint32_t>(value.m_bytes.size())),
           key, value.m_name);
 }
 
