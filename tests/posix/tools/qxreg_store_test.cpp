@@ -99,7 +99,7 @@ TEST(QxregStore, ARestoreTakesOnlyABackupOfThatStore) {
     EXPECT_EQ(1, Qxreg({"backup", "--machine", folder + "/other"}));
 }
 
-// Half of the keys' numbers were given after the backup: none of them may come again.
+// A number that was given after the backup: who still holds it must not meet another key.
 TEST(QxregStore, NoNumberOfAKeyIsGivenAgainByARestore) {
     const OwnRegistry registry;
     const std::string file = registry.Folder() / "backup";
