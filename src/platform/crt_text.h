@@ -72,9 +72,9 @@ char16_t* _ltow(i32 value, char16_t* buffer, int radix) noexcept;
 char* _i64toa(i64 value, char* buffer, int radix) noexcept;
 char16_t* _i64tow(i64 value, char16_t* buffer, int radix) noexcept;
 
-// Our own on every platform. Writes formatted text of at most `size` units and gives their number; the terminator is stored if
-// there is room for it. Text that is longer is cut, and the result is -1. Nothing behind the end of
-// the buffer is read from a text argument but for one unit.
+// Our own on every platform. Writes formatted text of at most `size` units and gives their number;
+// the terminator is stored if there is room for it. Text that is longer is cut, and the result is
+// -1. Nothing behind the end of the buffer is read from a text argument but for one unit.
 //
 // `%s`, `%ls` and `%ws` take wide text, `%hs` and `%S` narrow text, and `%c` its single units in
 // the same way. A null text is "(null)". A width and a precision count units. Whole numbers take
