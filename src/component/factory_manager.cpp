@@ -77,7 +77,8 @@ void* AskLibrary(QXHandle library, const GUID* classID, const GUID* interfaceID)
     return factory;
 }
 
-// Nobody else can take a reference: the cache has let go of the record under its lock.
+// Nobody else can take a reference: the cache has let go of the record under its lock. It goes
+// here. NOLINTNEXTLINE(performance-unnecessary-value-param)
 QXResult Drop(CQXRefPtr<CQXFactoryData> record) {
     return record && record->m_refCount == 1 ? record->ReleaseFactory() : QX_S_OK;
 }

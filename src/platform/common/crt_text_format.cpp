@@ -167,7 +167,7 @@ class Arguments {
                 return static_cast<signed char>(TakeInt());
             case Size::kShort:
                 return static_cast<i16>(TakeInt());
-            case Size::kLong:
+            case Size::kLong:  // NOLINT(bugprone-branch-clone): a long is narrower on Windows
                 return va_arg(m_list, long);
             case Size::kLongLong:
                 return va_arg(m_list, i64);
