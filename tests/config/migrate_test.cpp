@@ -6,6 +6,7 @@
 
 #include "config/registry_support.h"
 #include "support/allocation_fault.h"
+#include "support/known_differences.h"
 
 namespace {
 
@@ -49,6 +50,9 @@ class Migration : public Registry {
 };
 
 TEST_F(Migration, MovesEachRootFromTheFileToTheRegistry) {
+    if (!kOwnRegistryHasViews) {
+        GTEST_SKIP() << "a registry of the test's own has no views there";
+    }
     ASSERT_EQ(SetText(u"k", u"there", u"old", QX_HKEY_CONFIG), 0);
     ASSERT_EQ(SetText(u"k", u"Mine", u"kept", QX_HKEY_CONFIG), 0);
     Write(
@@ -119,6 +123,9 @@ TEST_F(Migration, FromTheFileToItselfEndsWithoutIt) {
 }
 
 TEST_F(Migration, FromTheRegistryToTheFileMovesTextAlone) {
+    if (!kOwnRegistryHasViews) {
+        GTEST_SKIP() << "a registry of the test's own has no views there";
+    }
     const std::u16string longText(1024, u'x');
     ASSERT_EQ(SetText(u"a\\b", u"n", u"deep", QX_HKEY_CONFIG), 0);
     ASSERT_EQ(SetText(u"a", u"n", u"text", QX_HKEY_USER), 0);

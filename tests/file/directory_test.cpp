@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "support/known_differences.h"
 #include "support/system.h"
 
 namespace {
@@ -73,7 +74,8 @@ TEST(Directory, IsMadeAndRemovedWhenEmpty) {
     EXPECT_EQ(QXDirRemove(path.c_str()), QX_E_FAIL);
     EXPECT_EQ(QXDirRemove(file.c_str()), QX_E_FAIL);
     EXPECT_EQ(QXDirOpen(file.c_str(), &listing), QX_E_FAIL);
-    EXPECT_EQ(QXDirOpen((path + u"/*.txt").c_str(), &listing), QX_E_NOTFOUND);
+    EXPECT_EQ(QXDirOpen((path + u"/*.txt").c_str(), &listing),
+              kWildCardsAreOrdinaryInNames ? QX_E_NOTFOUND : QX_E_FAIL);
     EXPECT_EQ(QXFileDelete(file.c_str()), QX_S_OK);
     EXPECT_EQ(QXDirRemove(path.c_str()), QX_S_OK);
     EXPECT_FALSE(std::filesystem::exists(directory.Path() / "new"));
@@ -103,7 +105,9 @@ TEST(Path, IsMadeWholeWithinItsBuffer) {
     }
     EXPECT_EQ(QXPathExpand(base.c_str(), buffer, length + 1), QX_S_OK);
     EXPECT_EQ(std::u16string(buffer), whole);
-    EXPECT_EQ(QXPathExpand(u"", buffer, 600), QX_E_FAIL);
+    if (AnEmptyPathHasAnErrorOfItsOwn()) {
+        EXPECT_EQ(QXPathExpand(u"", buffer, 600), QX_E_FAIL);
+    }
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "support/child_role.h"
+#include "support/known_differences.h"
 #include "support/system.h"
 
 namespace {
@@ -101,6 +102,9 @@ TEST_F(FileTest, ReadsAndWritesAtItsPosition) {
 }
 
 TEST_F(FileTest, SeeksBehindFourGigabytes) {
+    if (!NarrowSeeksEndAtFourGigabytes()) {
+        GTEST_SKIP() << "Wine's narrow seeks go on behind 4 GiB";
+    }
     const QXHandle file = Open("large", kReadWrite | QX_FILE_CREATE, kCreated);
     constexpr uint64_t kEnd = 0x1'0000'0005;
     uint64_t wide = 0;
@@ -150,12 +154,17 @@ TEST_F(FileTest, RefusesWhatItsOpeningDoesNotAllow) {
     std::filesystem::create_directory(Place("directory"));
     Open("directory", QX_FILE_READ, QX_E_ACCESSDENIED);
     Open("directory", kReadWrite | QX_FILE_CREATE, QX_E_ACCESSDENIED);
-    Open("file", QX_FILE_READ | QX_FILE_TRUNCATE, QX_E_FAIL);
+    if (TruncationNeedsWriteAccess()) {
+        Open("file", QX_FILE_READ | QX_FILE_TRUNCATE, QX_E_FAIL);
+    }
     EXPECT_EQ(Content("file"), "abc");
     EXPECT_EQ(QXFileDelete(Path("directory").c_str()), QX_E_ACCESSDENIED);
 }
 
 TEST_F(FileTest, ReadOnlyAttributeRefusesWritingAndDeleting) {
+    if (!ReadOnlyAttributeBindsTheAdministrator()) {
+        GTEST_SKIP() << "Wine asks the system, which lets its administrator do everything";
+    }
     uint32_t done = 0;
     const QXHandle file = Open("file", QX_FILE_WRITE | QX_FILE_CREATE, kCreated, 0444);
     EXPECT_EQ(QXFileWrite(file, "abc", 3, &done), QX_S_OK);

@@ -31,6 +31,9 @@ inline constexpr bool kKeyPathsMayBeginWithSeparator = !kOnReferencePlatform;
 // A registry of a test's own there is an ordinary key in the place of a root, without views.
 inline constexpr bool kOwnRegistryHasViews = !kOnReferencePlatform;
 
+// A wild card cannot stand in the name of a directory there, so it is no matter of what is there.
+inline constexpr bool kWildCardsAreOrdinaryInNames = !kOnReferencePlatform;
+
 // The end of a process there detaches what was loaded last first, a component before the library
 // that it was loaded by.
 inline constexpr bool kEndDetachesLastLoadedFirst = kOnReferencePlatform;
@@ -72,6 +75,26 @@ inline bool UnknownVariableTakesItsEnd() {
 // assertion of Wine's (server_get_unix_fd) then ends about one process in seven.
 inline bool BusyProcessesMayEndBadly() {
     return RunsUnderWine();
+}
+
+// Wine moves a file's position behind 4 GiB also where only 32 bits of it can be told.
+inline bool NarrowSeeksEndAtFourGigabytes() {
+    return !RunsUnderWine();
+}
+
+// Wine truncates a file that is opened without write access.
+inline bool TruncationNeedsWriteAccess() {
+    return !RunsUnderWine();
+}
+
+// Wine asks the system about the read-only attribute, which lets its administrator do everything.
+inline bool ReadOnlyAttributeBindsTheAdministrator() {
+    return !RunsUnderWine();
+}
+
+// Wine says of an empty path that it cannot be made whole, but leaves the last error alone.
+inline bool AnEmptyPathHasAnErrorOfItsOwn() {
+    return !RunsUnderWine();
 }
 
 // Wine forgets the name of a mapping with its last handle, though a view of it is left.
