@@ -157,6 +157,9 @@ Values ValuesAreListedByName(Values values) {
     return values;
 }
 
+// Wine forgets the name of a mapping with its last handle, though a view of it is left.
+inline constexpr bool kNameGoesWithTheLastHandle = true;
+
 }  // namespace allowance
 
 #endif

@@ -4,6 +4,7 @@
 #include <random>
 #include <utility>
 
+#include "transcript/allowances.h"
 #include "transcript/call_lists.h"
 
 namespace {
@@ -47,6 +48,9 @@ class SharedObjects {
         constexpr uint32_t kSizes[] = {0, 1, 4096, 70000};
         QXHandle& mapping = m_mappings[random.Below(2)];
         CloseMapping(mapping);
+        if (allowance::kNameGoesWithTheLastHandle && !HasMapping()) {
+            Detach();
+        }
         const uint32_t flags = random.Of(kFlags);
         const uint32_t size = random.Of(kSizes);
         const QXResult result = QXSharedMemOpen(m_name.c_str(), flags, 0, size, &mapping);
@@ -94,8 +98,11 @@ class SharedObjects {
     }
     static void CloseMapping(QXHandle& mapping) {
         if (mapping != QX_INVALID_HANDLE) {
-            QXSharedMemClose(mapping);
+            QXSharedMemClose(std::exchange(mapping, QX_INVALID_HANDLE));
         }
+    }
+    bool HasMapping() const {
+        return m_mappings[0] != QX_INVALID_HANDLE || m_mappings[1] != QX_INVALID_HANDLE;
     }
 
     const std::string m_name;
