@@ -22,21 +22,27 @@ void CQXLockStatManager::RecordMutex(i32 kind, IMutex* mutex) noexcept {
 }
 
 void CQXLockStatManager::ForgetMutex(i32 kind, IMutex* mutex) noexcept {
-    MutexHolder hold(m_mutex);
-    m_entries.erase({kind, mutex});
+    RunGuarded([&] {
+        MutexHolder hold(m_mutex);
+        m_entries.erase({kind, mutex});
+        return QX_S_OK;
+    });
 }
 
 // Under one hold: nobody sees the mutex twice, or a reset frees it in between. An entry that is
 // there is moved without an allocation, so that a mutex on record is never lost.
 void CQXLockStatManager::MoveMutex(i32 newKind, i32 oldKind, IMutex* mutex) noexcept {
-    MutexHolder hold(m_mutex);
-    auto entry = m_entries.extract({oldKind, mutex});
-    if (entry.empty()) {
-        RecordMutex(newKind, mutex);
-        return;
-    }
-    entry.key().first = newKind;
-    m_entries.insert(std::move(entry));
+    RunGuarded([&] {
+        MutexHolder hold(m_mutex);
+        auto entry = m_entries.extract({oldKind, mutex});
+        if (entry.empty()) {
+            m_entries[{newKind, mutex}] = mutex;
+        } else {
+            entry.key().first = newKind;
+            m_entries.insert(std::move(entry));
+        }
+        return QX_S_OK;
+    });
 }
 
 QXResult CQXLockStatManager::DumpStats(const char* title, const wchar* path) noexcept {
