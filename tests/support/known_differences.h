@@ -97,8 +97,9 @@ inline bool AnEmptyPathHasAnErrorOfItsOwn() {
     return !RunsUnderWine();
 }
 
-// Wine's heap grows by some 30 bytes with each loading and unloading.
-inline bool LoaderKeepsBytesOfARound() {
+// Wine's heap grows by some 30 bytes with each loading and unloading, and it maps a little more now
+// and then.
+inline bool LoaderKeepsMemoryOfARound() {
     return RunsUnderWine();
 }
 
