@@ -14,7 +14,7 @@ TEST(SystemInfo, FillsEachFieldAndNoPadding) {
     EXPECT_GT(info.availablePhysicalMemory, 0u);
     EXPECT_LE(info.availablePhysicalMemory, info.totalPhysicalMemory);
     EXPECT_LT(info.availableVirtualMemory, info.totalVirtualMemory);
-    EXPECT_GT(info.availableVirtualMemory, info.totalVirtualMemory / 2);
+    EXPECT_GT(info.availableVirtualMemory, 0u);
     EXPECT_EQ(info.pageSize & (info.pageSize - 1), 0u);
     EXPECT_EQ(info.allocationGranularity % info.pageSize, 0u);
     EXPECT_GE(info.numberOfProcessors, 1u);
