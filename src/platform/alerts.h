@@ -49,7 +49,8 @@ ConsoleSessionFunction FindConsoleSessionFunction() noexcept;
 // version by "GetVersionExA" is of the platform 2 and above 5.
 bool ServicesHaveOwnSession() noexcept;
 
-// The style of the box: abort, retry and ignore, with the sign for an error, in front of all else.
+// The style of the box: abort, retry and ignore, with the sign for an error, in front of all else:
+// MB_ABORTRETRYIGNORE, MB_ICONERROR, MB_TASKMODAL, MB_SETFOREGROUND.
 constexpr u32 kBoxStyle = 0x12012;
 
 enum Answer : u32 {

@@ -22,28 +22,31 @@ namespace platform {
 // at the operation. A handle that is closed or no file's is 6.
 
 enum FileAccess : u32 {
-    kDelete = 0x00010000,
-    kGenericWrite = 0x40000000,
-    kGenericRead = 0x80000000,
+    kDelete = 0x00010000,        // DELETE
+    kGenericWrite = 0x40000000,  // GENERIC_WRITE
+    kGenericRead = 0x80000000,   // GENERIC_READ
 };
 
-enum FileShare : u32 { kShareRead = 1, kShareWrite = 2 };
+enum FileShare : u32 {
+    kShareRead = 1,   // FILE_SHARE_READ
+    kShareWrite = 2,  // FILE_SHARE_WRITE
+};
 
 enum FileDisposition : u32 {
-    kCreateNew = 1,
-    kCreateAlways = 2,
-    kOpenExisting = 3,
-    kOpenAlways = 4,
-    kTruncateExisting = 5,
+    kCreateNew = 1,         // CREATE_NEW
+    kCreateAlways = 2,      // CREATE_ALWAYS
+    kOpenExisting = 3,      // OPEN_EXISTING
+    kOpenAlways = 4,        // OPEN_ALWAYS
+    kTruncateExisting = 5,  // TRUNCATE_EXISTING
 };
 
 enum FileAttribute : u32 {
-    kAttributeReadOnly = 0x00000001,
-    kAttributeDirectory = 0x00000010,
-    kAttributeNormal = 0x00000080,
-    kAttributeTemporary = 0x00000100,
-    kFlagDeleteOnClose = 0x04000000,
-    kFlagWriteThrough = 0x80000000,
+    kAttributeReadOnly = 0x00000001,   // FILE_ATTRIBUTE_READONLY
+    kAttributeDirectory = 0x00000010,  // FILE_ATTRIBUTE_DIRECTORY
+    kAttributeNormal = 0x00000080,     // FILE_ATTRIBUTE_NORMAL
+    kAttributeTemporary = 0x00000100,  // FILE_ATTRIBUTE_TEMPORARY
+    kFlagDeleteOnClose = 0x04000000,   // FILE_FLAG_DELETE_ON_CLOSE
+    kFlagWriteThrough = 0x80000000,    // FILE_FLAG_WRITE_THROUGH
 };
 
 // All ones on failure: 80 for a new file that is there, 87 for another disposition, and for a
@@ -60,7 +63,7 @@ bool ReadFile(HANDLE file, void* buffer, u32 count, u32* done) noexcept;
 // 5 without write access; 232 for a pipe that nobody reads.
 bool WriteFile(HANDLE file, const void* buffer, u32 count, u32* done) noexcept;
 
-inline constexpr u32 kInvalidFilePointer = 0xFFFFFFFF;
+inline constexpr u32 kInvalidFilePointer = 0xFFFFFFFF;  // INVALID_SET_FILE_POINTER
 
 // Moves the handle's position by `distance` from 0 the start, 1 itself, 2 the end. Returns it, or
 // all ones on a failure, which leaves it: 87 for another origin or more than 32 bits, 131 for a
@@ -73,7 +76,10 @@ bool FlushFileBuffers(HANDLE file) noexcept;
 
 bool GetFileSizeEx(HANDLE file, u64* size) noexcept;
 
-enum LockFlags : u32 { kLockFailImmediately = 1, kLockExclusive = 2 };
+enum LockFlags : u32 {
+    kLockFailImmediately = 1,  // LOCKFILE_FAIL_IMMEDIATELY
+    kLockExclusive = 2,        // LOCKFILE_EXCLUSIVE_LOCK
+};
 
 // Locks bytes of the file for this handle, beyond its end too; no bytes are always free. Waits for
 // others, unless told to fail with 33. The posix side refuses bytes that the handle itself has

@@ -13,7 +13,9 @@ namespace platform {
 // The back end defines STARTUPINFOW, of which cb, dwFlags and the three standard handles are used,
 // and PROCESS_INFORMATION, with hProcess and hThread.
 
-enum StartupFlag : u32 { kStartfUseStdHandles = 0x100 };
+enum StartupFlag : u32 {
+    kStartfUseStdHandles = 0x100,  // STARTF_USESTDHANDLES
+};
 
 u32 GetCurrentProcessId() noexcept;
 
@@ -29,13 +31,13 @@ void GetStartupInfoW(STARTUPINFOW* startup) noexcept;
 bool CreatePipe(HANDLE* read, HANDLE* write, const SECURITY_ATTRIBUTES* attributes,
                 u32 size) noexcept;
 
-inline constexpr u32 kHandleFlagInherit = 1;
+inline constexpr u32 kHandleFlagInherit = 1;  // HANDLE_FLAG_INHERIT
 
 // Marks a file or a pipe's end for inheritance, or takes the mark away; `mask` is
 // kHandleFlagInherit. False with 6.
 bool SetHandleInformation(HANDLE handle, u32 mask, u32 flags) noexcept;
 
-inline constexpr u32 kCreateUnicodeEnvironment = 0x400;
+inline constexpr u32 kCreateUnicodeEnvironment = 0x400;  // CREATE_UNICODE_ENVIRONMENT
 
 // Starts a program, which inherits what is marked for inheritance. The security records are null,
 // `inherit` is true, `flags` kCreateUnicodeEnvironment. `commandLine` begins with `application`;
@@ -57,21 +59,21 @@ bool CreateProcessW(const char16_t* application, char16_t* commandLine,
                     bool inherit, u32 flags, void* environment, const char16_t* directory,
                     STARTUPINFOW* startup, PROCESS_INFORMATION* information) noexcept;
 
-inline constexpr u32 kStillActive = 259;
+inline constexpr u32 kStillActive = 259;  // STILL_ACTIVE
 
 // The exit code, or kStillActive. On the posix side 128 and its number for a signal that ended the
 // process, and all ones for a child whose code the process has thrown away or collected elsewhere.
 // False with 6. Does not block.
 bool GetExitCodeProcess(HANDLE process, u32* code) noexcept;
 
-inline constexpr u32 kMaximumWaitObjects = 64;
+inline constexpr u32 kMaximumWaitObjects = 64;  // MAXIMUM_WAIT_OBJECTS
 
 // Waits for the end of one of several processes, as long as it takes: `all` is false,
 // `milliseconds` all ones. Returns the lowest index of those that have ended, or kWaitFailed with
 // 87 for no handle or more than kMaximumWaitObjects, 6 if one is closed.
 u32 WaitForMultipleObjects(u32 count, const HANDLE* handles, bool all, u32 milliseconds) noexcept;
 
-inline constexpr u32 kProcessQueryAndRead = 0x410;
+inline constexpr u32 kProcessQueryAndRead = 0x410;  // PROCESS_QUERY_INFORMATION | PROCESS_VM_READ
 
 // A handle of any process, to ask for its image name. `access` is kProcessQueryAndRead, `inherit`
 // false. Null with 87 if there is no such process, or 5.

@@ -35,7 +35,7 @@ enum PredefinedRoot : u32 {
     kHkeyClassesRoot = 0x80000000,   // HKEY_CLASSES_ROOT
     kHkeyCurrentUser = 0x80000001,   // HKEY_CURRENT_USER
     kHkeyLocalMachine = 0x80000002,  // HKEY_LOCAL_MACHINE
-    kHkeyInvalid = 0xFFFFFFFF,
+    kHkeyInvalid = 0xFFFFFFFF,       // INVALID_HANDLE_VALUE
 };
 
 // Sign-extended to pointer width.

@@ -11,7 +11,7 @@
 
 namespace platform {
 
-inline constexpr u16 kSocketVersion = 0x0202;
+inline constexpr u16 kSocketVersion = 0x0202;     // MAKEWORD(2, 2)
 inline constexpr i32 kSocketsNotStarted = 10093;  // WSANOTINITIALISED
 
 // Readies the process's sockets; 0, or the error's number. A platform that needs no such thing
