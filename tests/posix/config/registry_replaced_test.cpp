@@ -8,6 +8,7 @@
 #include <functional>
 
 #include "config/registry_support.h"
+#include "posix/config/database.h"
 #include "posix/support/forked_child.h"
 
 namespace {
@@ -17,11 +18,7 @@ using RegistryReplaced = Registry;
 
 // A whole copy of the store in one file, as a tool for databases makes it.
 void BackUp(const fs::path& store, const fs::path& copy) {
-    sqlite3* database = nullptr;
-    ASSERT_EQ(::sqlite3_open(store.c_str(), &database), SQLITE_OK);
-    const std::string text = "VACUUM INTO '" + copy.string() + "'";
-    ASSERT_EQ(::sqlite3_exec(database, text.c_str(), nullptr, nullptr, nullptr), SQLITE_OK);
-    ::sqlite3_close(database);
+    Execute(store, "VACUUM INTO '" + copy.string() + "'");
 }
 
 bool IsWholeDatabase(const fs::path& store) {
@@ -146,9 +143,9 @@ TEST_F(RegistryReplaced, AStoreWithoutSideFilesCanBeReadByThoseWhoMayNotMakeThem
         GTEST_SKIP() << "only root can become another user";
     }
     ::chmod(m_registry.Folder().c_str(), 0755);
-    ForkedChild writer([] { return SetText(u"k", u"v", u"text", QX_HKEY_CONFIG); },
-                       ChildEnd::kThroughExitHandlers);
+    ForkedChild writer([] { return SetText(u"k", u"v", u"text", QX_HKEY_CONFIG); });
     ASSERT_EQ(writer.Wait(), 0);
+    WriteLogBack(File("machine.db"));
     fs::remove(File("machine.db-wal"));
     fs::remove(File("machine.db-shm"));
     SharedWithChildren<std::atomic<int>> step;

@@ -1,0 +1,25 @@
+// A store's file by the database's own means, as any tool may use it.
+#ifndef TESTS_POSIX_CONFIG_DATABASE_H
+#define TESTS_POSIX_CONFIG_DATABASE_H
+
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+#include <filesystem>
+#include <string>
+
+inline void Execute(const std::filesystem::path& store, const std::string& text) {
+    sqlite3* database = nullptr;
+    ASSERT_EQ(::sqlite3_open(store.c_str(), &database), SQLITE_OK);
+    EXPECT_EQ(::sqlite3_exec(database, text.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
+        << text << ": " << ::sqlite3_errmsg(database);
+    ::sqlite3_close(database);
+}
+
+// Into the database, so that its side files can go. The end of a process does so only if it has no
+// other threads, and a sanitizer has one of its own.
+inline void WriteLogBack(const std::filesystem::path& store) {
+    Execute(store, "PRAGMA wal_checkpoint(TRUNCATE)");
+}
+
+#endif
