@@ -2,7 +2,6 @@
 #include <qxcore/string.h>
 #include <qxcore/transform.h>
 
-#include <cstdio>
 #include <cstring>
 
 #include "platform/errors.h"
@@ -16,6 +15,16 @@ constexpr size_t kBracedTextLength = 38;
 
 // The byte offsets in the order of their weight.
 constexpr u8 kComparedOffsets[] = {10, 11, 12, 13, 14, 15, 8, 9, 6, 7, 4, 5, 0, 1, 2, 3};
+
+// The byte offsets in the order of the text.
+constexpr u8 kDash = 0xFF;
+constexpr u8 kPrintedOffsets[] = {
+    3, 2, 1,     0,  kDash,                  // Data1
+    5, 4, kDash,                             // Data2
+    7, 6, kDash,                             // Data3
+    8, 9, kDash, 10, 11,    12, 13, 14, 15,  // Data4
+};
+constexpr char kDigits[] = "0123456789ABCDEF";
 
 int HexDigitValue(wchar digit) {
     if (digit >= u'0' && digit <= u'9') {
@@ -71,6 +80,19 @@ GUID GuidFromGroups(const u16 (&groups)[8]) {
     return guid;
 }
 
+// Writes the text between the braces; returns its end.
+char* PrintBytes(const u8* bytes, char* text) {
+    for (const u8 offset : kPrintedOffsets) {
+        if (offset == kDash) {
+            *text++ = '-';
+        } else {
+            *text++ = kDigits[bytes[offset] >> 4];
+            *text++ = kDigits[bytes[offset] & 0xF];
+        }
+    }
+    return text;
+}
+
 }  // namespace
 
 int32_t QXComIsEqualGUID(const GUID* left, const GUID* right) {
@@ -109,13 +131,8 @@ QXResult QXComGUIDFromString(const wchar* text, GUID* guid) {
 }
 
 QXResult QXComStringFromGUID(const GUID* guid, wchar* buffer, int32_t length) {
-    GUID value;
-    std::memcpy(&value, guid, sizeof value);
-    char text[QX_GUID_TEXT_SIZE];
-    std::snprintf(text, sizeof text, "{%08X-%04X-%04X-%02X%02X-%02X%02X%02X%02X%02X%02X}",
-                  static_cast<unsigned>(value.Data1), value.Data2, value.Data3, value.Data4[0],
-                  value.Data4[1], value.Data4[2], value.Data4[3], value.Data4[4], value.Data4[5],
-                  value.Data4[6], value.Data4[7]);
+    char text[QX_GUID_TEXT_SIZE] = "{";
+    *PrintBytes(reinterpret_cast<const u8*>(guid), text + 1) = '}';
     QXAnsiToUnicode(buffer, text, static_cast<size_t>(length));
     return QX_S_OK;
 }
