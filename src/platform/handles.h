@@ -5,20 +5,13 @@
 #include <handles_native.h>
 
 #include "platform/types.h"
+#include "platform/waits.h"
 
 namespace platform {
 
 // The back end defines HANDLE, pointer-sized. Handles of events and semaphores are not checked: one
 // that is closed, or is of another kind than an operation takes, is a fault of the caller. Handles
 // of threads and mappings are: no operation takes one that is closed, and its error is 6.
-
-inline constexpr u32 kInfinite = 0xFFFFFFFF;  // INFINITE
-
-enum WaitResult : u32 {
-    kWaitObject0 = 0,          // WAIT_OBJECT_0
-    kWaitTimeout = 258,        // WAIT_TIMEOUT
-    kWaitFailed = 0xFFFFFFFF,  // WAIT_FAILED: with the reason in the last error
-};
 
 // Waits for an event or a semaphore for up to `milliseconds`, all ones for ever. 0 polls and does
 // not block. A wait for an auto-reset event or a semaphore takes the signal.

@@ -4,7 +4,7 @@
 
 #include <time.h>
 
-#include "platform/handles.h"
+#include "platform/waits.h"
 
 namespace platform {
 

@@ -3,15 +3,18 @@
 #define QX_PLATFORM_POSIX_HANDLES_NATIVE_H
 
 #include "checked_handles.h"
-#include "waiting/object.h"
+#include "waiting/signalled_object.h"
 
 namespace platform {
 
 using HANDLE = void*;
 
 inline u32 WaitForSingleObject(HANDLE handle, u32 milliseconds) noexcept {
-    return IsCheckedHandle(handle) ? WaitForCheckedHandle(handle, milliseconds)
-                                   : static_cast<Object*>(handle)->Wait(milliseconds);
+    if (IsCheckedHandle(handle)) [[unlikely]] {
+        return WaitForCheckedHandle(handle, milliseconds);
+    }
+    auto* const object = static_cast<SignalledObject*>(static_cast<Object*>(handle));
+    return object->TryTake() ? kWaitObject0 : object->Wait(milliseconds);
 }
 
 inline bool CloseHandle(HANDLE handle) noexcept {

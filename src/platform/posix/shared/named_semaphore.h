@@ -4,7 +4,7 @@
 
 #include <atomic>
 
-#include "../waiting/object.h"
+#include "../waiting/signalled_object.h"
 #include "object_path.h"
 
 namespace platform {
@@ -103,7 +103,7 @@ class NamedSemaphore final : public Semaphore {
     bool Release() noexcept override { return m_count->Post(); }
 
   private:
-    explicit NamedSemaphore(const char* name) noexcept : m_path(name) {}
+    explicit NamedSemaphore(const char* name) noexcept : Semaphore(0), m_path(name) {}
 
     u32 Join(u32 initialCount, bool* existed) noexcept;
 

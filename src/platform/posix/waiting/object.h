@@ -17,12 +17,6 @@ class Object {
     virtual u32 Wait(u32 milliseconds) noexcept = 0;
 };
 
-// What ReleaseSemaphore can be asked of.
-class Semaphore : public Object {
-  public:
-    virtual bool Release() noexcept = 0;
-};
-
 }  // namespace platform
 
 #endif
