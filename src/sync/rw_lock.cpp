@@ -60,9 +60,7 @@ CQXRWLockImpl::CQXRWLockImpl(const char* name, u32 flags)
       m_name(name),
       m_flags(flags),
       m_lock(PartName(name, "m_lock").c_str(), 0),
-      m_arrayLock(PartName(name, "m_arrayLock").c_str(), 0) {
-    ThrowIfFailed(QXGateOpen(m_writerGate));
-}
+      m_arrayLock(PartName(name, "m_arrayLock").c_str(), 0) {}
 
 // A holder takes another hold, whoever waits for the lock. m_arrayLock is held.
 bool CQXRWLockImpl::EnterAgain(u32 threadId) {
@@ -87,7 +85,7 @@ void CQXRWLockImpl::AddReader(u32 threadId) {
         return;
     }
     if (Add(m_count, 1) == 0) {
-        ThrowIfFailed(QXGateClose(m_writerGate));
+        m_gateOpen = false;
     }
     m_readers.Append(threadId);
     m_noReaders.store(false, kRelaxed);
@@ -140,7 +138,15 @@ bool CQXRWLockImpl::TryAcquireRead() {
 // m_arrayLock is held.
 bool CQXRWLockImpl::WriterMayPass() const {
     const u32 pending = m_pendingWriter.load(kRelaxed);
-    return pending != 0 && m_readers.HoldsNobodyBut(pending);
+    return m_gateOpen || (pending != 0 && m_readers.HoldsNobodyBut(pending));
+}
+
+// m_arrayLock is held.
+void CQXRWLockImpl::OpenGate() {
+    m_gateOpen = true;
+    if (m_pendingWriter.load(kRelaxed) != 0) {
+        ThrowIfFailed(QXGateOpen(m_writerGate));
+    }
 }
 
 void CQXRWLockImpl::PassReaders() {
@@ -149,8 +155,10 @@ void CQXRWLockImpl::PassReaders() {
     }
     QXMutexAcquire(m_arrayLock);
     const bool free = WriterMayPass();
+    const QXResult closed = free ? QX_S_OK : QXGateClose(m_writerGate);
     QXMutexRelease(m_arrayLock);
     if (!free) {
+        ThrowIfFailed(closed);
         ThrowIfFailed(QXGateWait(m_writerGate));
     }
 }
@@ -164,7 +172,7 @@ bool CQXRWLockImpl::TryPassReaders() {
     }
     const bool free = WriterMayPass();
     QXMutexRelease(m_arrayLock);
-    return free || QX_SUCCEEDED(QXGateTryWait(m_writerGate));
+    return free;
 }
 
 void CQXRWLockImpl::BecomeWriter() {
@@ -226,7 +234,7 @@ void CQXRWLockImpl::LeaveArray(ReaderArray::Entry* entry) {
         m_readers.Remove(entry);
     }
     if (Add(m_count, -1) == 1 || WriterMayPass()) {
-        ThrowIfFailed(QXGateOpen(m_writerGate));
+        OpenGate();
     }
     m_noReaders.store(m_readers.Size() == 0, std::memory_order_release);
 }

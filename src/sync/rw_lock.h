@@ -8,6 +8,10 @@
 // since its own entry is made and removed by itself. A search under m_arrayLock may meet the first
 // entry as it is made under m_lock: the size is stored behind the entry (release).
 //
+// The gate is m_gateOpen, which belongs to whom m_readers belongs. m_writerGate is only what a
+// writer waits at: he closes it under m_arrayLock when he has found the gate closed, and whoever
+// opens the gate while a writer is pending opens it too.
+//
 // m_pendingWriter is written by the holder of m_lock, before it takes m_arrayLock to look for
 // readers, and read under m_arrayLock: a reader that leaves either does so before that look, or
 // sees who waits for it. In the write paths m_count, m_savedCount and m_writerActive belong to the
@@ -76,12 +80,14 @@ class CQXRWLockImpl {
     void EndWriting();
     void GiveBack(u32 parked);
     bool WriterMayPass() const;
+    void OpenGate();
     bool TryPassReaders();
     void PassReaders();
     void BecomeWriter();
 
     // In the order of construction; the reverse is that of destruction.
-    OwnedGate m_writerGate;            // closed while readers are in
+    OwnedGate m_writerGate;            // where a writer waits for readers to leave
+    bool m_gateOpen = true;            // closed while readers are in
     std::atomic<u32> m_count{0};       // read holds; or the depth of the write hold
     std::atomic<u32> m_savedCount{0};  // read holds that are parked behind a write hold
     ReaderArray m_readers;

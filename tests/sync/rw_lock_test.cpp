@@ -100,8 +100,8 @@ TEST(RWLock, OneThreadsHoldsNestAndEnd) {
 }
 
 TEST(RWLock, ReadersShareAndWritersDoNot) {
-    for (const char hold : {'R', 'W'}) {
-        const Lock lock;
+    const Lock lock;
+    for (const char hold : {'R', 'W', 'R'}) {
         Do(hold, lock);
         EXPECT_EQ(QX_E_FAIL, InAnotherThread([&] { return TryWrite(lock); }));
         EXPECT_EQ(hold == 'R' ? QX_S_OK : QX_E_FAIL,
