@@ -1,212 +1,502 @@
-// The registry beside statements by hand on the same file, with a connection of the same settings:
-// a prepared select by path and name, and a transaction of one row.
+// The registry beside statements by hand, a memory-mapped tree and a text file in memory: each row
+// is a function over the stores of registry_stores.h, and each store has the same values of 32
+// bytes, a thousand to a key.
+//
+// Rows about several processes, and about a process's memory or beginning, are measured in children
+// of this program: `registry_bench --child ROLE STORE DIRECTORY [NUMBER...]`.
 #include <benchmark/benchmark.h>
-#include <qxcore/registry.h>
-#include <sqlite3.h>
-#include <stdlib.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <chrono>
+#include <cinttypes>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
+#include <iostream>
+#include <memory>
+#include <span>
 #include <string>
+#include <thread>
+#include <vector>
+
+#include "child_program.h"
+#include "registry_stores.h"
 
 namespace {
 
+using Clock = std::chrono::steady_clock;
+using Seconds = std::chrono::duration<double>;
+using Arguments = std::vector<std::string>;
+
 constexpr int kValues = 10'000;
-constexpr char16_t kPath[] = u"Software\\Example\\Settings";
-constexpr char16_t kFoldedPath[] = u"USER\\SOFTWARE\\EXAMPLE\\SETTINGS";
-constexpr char16_t kText[] = u"a text of a usual length, some forty units";
+constexpr int kStride = 7919;  // a prime: steps of it come to every value
+constexpr char kChild[] = "--child";
 
-std::u16string NameOf(int number) {
-    char digits[16];
-    std::snprintf(digits, sizeof digits, "VALUE %05d", number);
-    return {digits, digits + 11};
+double SecondsSince(Clock::time_point begin) {
+    return Seconds(Clock::now() - begin).count();
 }
 
-std::string Stored(std::u16string_view text) {
-    std::string bytes;
-    for (const char16_t unit : text) {
-        bytes += static_cast<char>(unit >> 8);
-        bytes += static_cast<char>(unit & 0xFF);
-    }
-    return bytes;
-}
-
-// A directory for the length of the program, filled through the library.
-class Registry {
+// For the length of the program; in it, a folder for each store and number of values.
+class Folder {
   public:
-    Registry() {
+    Folder() {
         char name[] = "/tmp/registry_bench.XXXXXX";
-        m_directory = ::mkdtemp(name);
-        ::setenv("W64QXCORE6_REGISTRY", m_directory.c_str(), 1);
-        for (int i = 0; i < kValues; ++i) {
-            QXRegistrySetValue(QX_HKEY_USER, kPath, NameOf(i).c_str(), QX_REG_STRING, kText,
-                               sizeof kText);
-        }
+        m_path = ::mkdtemp(name);
     }
-    ~Registry() { std::filesystem::remove_all(m_directory); }
+    ~Folder() { std::filesystem::remove_all(m_path); }
 
-    std::string File() const { return m_directory + "/user.db"; }
+    const std::string& Path() const { return m_path; }
 
   private:
-    std::string m_directory;
+    std::string m_path;
 };
 
-Registry& TheRegistry() {
-    static Registry registry;
-    return registry;
+const Folder* s_folder = nullptr;
+
+Child StartChild(const std::string& role, const char* store, const std::string& directory,
+                 const std::vector<int>& numbers) {
+    Arguments arguments = {kChild, role, store, directory};
+    for (const int number : numbers) {
+        arguments.push_back(std::to_string(number));
+    }
+    return Child("/proc/self/exe", arguments);
 }
 
-class Connection {
+// The folder of a store with so many values, which a child fills when it is asked for first.
+template <typename Store>
+std::string Filled(int values) {
+    const std::string directory =
+        s_folder->Path() + "/" + Store::kName + " " + std::to_string(values);
+    if (std::filesystem::create_directory(directory)) {
+        StartChild("Fill", Store::kName, directory, {values}).Wait();
+    }
+    return directory;
+}
+
+template <typename Store>
+Store& OpenedStore() {
+    static const std::unique_ptr<Store> store = std::make_unique<Store>(Filled<Store>(kValues));
+    return *store;
+}
+
+// Places all over a store, in no order.
+template <typename Store>
+std::vector<typename Store::Place> PlacesAmong(int values, int count, int first = 0) {
+    std::vector<typename Store::Place> places;
+    for (int64_t step = 0; step < count; ++step) {
+        places.push_back(
+            Store::PlaceOf(first + static_cast<int>(step * values / count * kStride % values)));
+    }
+    return places;
+}
+
+// Goes round for ever.
+template <typename Item>
+class Round {
   public:
-    Connection() {
-        ::sqlite3_open_v2(TheRegistry().File().c_str(), &m_database,
-                          SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
-        int persist = 1;
-        ::sqlite3_file_control(m_database, "main", SQLITE_FCNTL_PERSIST_WAL, &persist);
-        ::sqlite3_exec(m_database, "PRAGMA synchronous=NORMAL; PRAGMA journal_size_limit=4194304",
-                       nullptr, nullptr, nullptr);
-    }
-    ~Connection() { ::sqlite3_close_v2(m_database); }
-
-    sqlite3_stmt* Prepare(const char* text) {
-        sqlite3_stmt* statement = nullptr;
-        ::sqlite3_prepare_v3(m_database, text, -1, SQLITE_PREPARE_PERSISTENT, &statement, nullptr);
-        return statement;
+    explicit Round(std::vector<Item> items) : m_items(std::move(items)) {}
+    const Item& Next() {
+        m_next = m_next + 1 < m_items.size() ? m_next + 1 : 0;
+        return m_items[m_next];
     }
 
   private:
-    sqlite3* m_database = nullptr;
+    std::vector<Item> m_items;
+    std::size_t m_next = 0;
 };
 
-void BindBlob(sqlite3_stmt* statement, int parameter, const std::string& bytes) {
-    ::sqlite3_bind_blob(statement, parameter, bytes.data(), static_cast<int>(bytes.size()),
-                        SQLITE_STATIC);
+// What children do. Each gets the store's folder and its numbers, and prints a line.
+
+using Numbers = std::vector<int>;
+
+template <typename Store>
+void Fill(const std::string& directory, const Numbers& numbers) {
+    Store::Fill(directory, numbers[0]);
 }
 
-void Run(benchmark::State& state, sqlite3_stmt* statement, int expected) {
-    if (::sqlite3_step(statement) != expected) {
-        state.SkipWithError("the statement failed");
+// Writes the value that a line tells, with the stamp that it tells.
+template <typename Store>
+void WriteOnDemand(const std::string& directory, const Numbers&) {
+    Store store(directory);
+    for (int number, stamp; std::cin >> number >> stamp;) {
+        Data data = kData;
+        data[0] = static_cast<char16_t>(stamp);
+        std::cout << store.Set(Store::PlaceOf(number), data) << std::endl;
     }
 }
 
-void GetValue_Library(benchmark::State& state) {
-    TheRegistry();
-    int number = 0;
-    for (auto _ : state) {
-        const std::u16string name = NameOf(number = (number + 7919) % kValues);
-        char16_t text[64];
-        uint32_t type;
-        uint32_t length = sizeof text;
-        if (QXRegistryGetValue(QX_HKEY_USER, kPath, name.c_str(), &type, text, &length) != 0) {
-            state.SkipWithError("the value is missing");
+// Calls for so many milliseconds once it is told to, and prints how many calls there were.
+template <typename Call>
+void Repeat(int milliseconds, Call&& call) {
+    std::string go;
+    std::cout << "ready" << std::endl;
+    std::getline(std::cin, go);
+    const auto end = Clock::now() + std::chrono::milliseconds(milliseconds);
+    int64_t count = 0;
+    for (; Clock::now() < end; ++count) {
+        call();
+    }
+    std::cout << count << std::endl;
+}
+
+constexpr int kGetsBetweenLooks = 100;
+
+template <typename Store>
+void ReadAlong(const std::string& directory, const Numbers& numbers) {
+    Store store(directory);
+    Round places(PlacesAmong<Store>(kValues, 1000));
+    Repeat(numbers[0], [&] {
+        for (int i = 0; i < kGetsBetweenLooks; ++i) {
+            Data data;
+            store.Get(places.Next(), &data);
         }
-        benchmark::DoNotOptimize(text);
+    });
+}
+
+template <typename Store>
+void WriteAlong(const std::string& directory, const Numbers& numbers) {
+    Store store(directory);
+    Round places(PlacesAmong<Store>(kValues, 1000));
+    Data data = kData;
+    Repeat(numbers[0], [&] {
+        ++data[0];
+        store.Set(places.Next(), data);
+        if (numbers[1] != 0) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(numbers[1]));
+        }
+    });
+}
+
+int64_t ResidentBytes() {
+    int64_t pages = 0;
+    if (FILE* const file = std::fopen("/proc/self/statm", "r")) {
+        std::fscanf(file, "%*d %" SCNd64, &pages);
+        std::fclose(file);
+    }
+    return pages * ::sysconf(_SC_PAGESIZE);
+}
+
+template <typename Store>
+void Grow(const std::string& directory, const Numbers& numbers) {
+    Store store(directory);
+    const auto places = PlacesAmong<Store>(numbers[0], numbers[0]);
+    Data data;
+    store.Get(places[0], &data);
+    const int64_t before = ResidentBytes();
+    for (const auto& place : places) {
+        store.Get(place, &data);
+    }
+    std::cout << ResidentBytes() - before << std::endl;
+}
+
+template <typename Store>
+void GetOnce(const std::string& directory, const Numbers& numbers) {
+    const auto place = Store::PlaceOf(numbers[0] / 2);
+    const auto begin = Clock::now();
+    Store store(directory);
+    Data data;
+    const bool found = store.Get(place, &data);
+    std::cout << (found ? SecondsSince(begin) : -1) << std::endl;
+}
+
+// The time of a get among so many values of which so many are asked for, once all were.
+template <typename Store>
+void GetAmong(const std::string& directory, const Numbers& numbers) {
+    Store store(directory);
+    const int asked = numbers[1];
+    Round places(PlacesAmong<Store>(numbers[0], asked));
+    const auto gets = [&](int count) {
+        const auto begin = Clock::now();
+        for (int i = 0; i < count; ++i) {
+            Data data;
+            if (!store.Get(places.Next(), &data)) {
+                return -1.0;
+            }
+        }
+        return SecondsSince(begin) / count;
+    };
+    gets(asked);
+    std::cout << gets(std::max(asked, kValues)) << std::endl;
+}
+
+// What is measured in this process.
+
+template <typename Store>
+void Get(benchmark::State& state) {
+    Store& store = OpenedStore<Store>();
+    Round places(PlacesAmong<Store>(kValues, kValues));
+    for (auto _ : state) {
+        Data data;
+        if (!store.Get(places.Next(), &data)) {
+            state.SkipWithError("a value is missing");
+        }
+        benchmark::DoNotOptimize(data);
     }
 }
-BENCHMARK(GetValue_Library);
 
-void GetValue_ByHand(benchmark::State& state) {
-    Connection connection;
-    sqlite3_stmt* const select = connection.Prepare(
-        "SELECT vals.type, vals.data FROM keys JOIN vals ON vals.key = keys.id"
-        " WHERE keys.path = ?1 AND vals.folded = ?2");
-    const std::string path = Stored(kFoldedPath);
-    int number = 0;
+template <typename Store>
+void GetAbsent(benchmark::State& state) {
+    Store& store = OpenedStore<Store>();
+    Round places(PlacesAmong<Store>(kValues, kValues, kAbsent));
     for (auto _ : state) {
-        const std::string name = Stored(NameOf(number = (number + 7919) % kValues));
-        char text[128];
-        BindBlob(select, 1, path);
-        BindBlob(select, 2, name);
-        Run(state, select, SQLITE_ROW);
-        const std::string_view data(static_cast<const char*>(::sqlite3_column_blob(select, 1)),
-                                    static_cast<std::size_t>(::sqlite3_column_bytes(select, 1)));
-        data.copy(text, sizeof text);
-        benchmark::DoNotOptimize(text);
-        ::sqlite3_reset(select);
-    }
-    ::sqlite3_finalize(select);
-}
-BENCHMARK(GetValue_ByHand);
-
-void SetValue_Library(benchmark::State& state) {
-    TheRegistry();
-    int number = 0;
-    std::u16string text = kText;
-    for (auto _ : state) {
-        const std::u16string name = NameOf(number = (number + 7919) % kValues);
-        ++text.front();  // a row that stays the same would not be written
-        if (QXRegistrySetValue(QX_HKEY_USER, kPath, name.c_str(), QX_REG_STRING, text.data(),
-                               sizeof kText) != 0) {
-            state.SkipWithError("the value was not written");
+        Data data;
+        if (store.Get(places.Next(), &data)) {
+            state.SkipWithError("a value is there");
         }
     }
 }
-BENCHMARK(SetValue_Library);
 
-void SetValue_ByHand(benchmark::State& state) {
-    Connection connection;
-    sqlite3_stmt* const begin = connection.Prepare("BEGIN IMMEDIATE");
-    sqlite3_stmt* const commit = connection.Prepare("COMMIT");
-    sqlite3_stmt* const upsert = connection.Prepare(
-        "INSERT INTO vals(key, folded, name, type, data)"
-        " SELECT id, ?2, ?2, 1, ?3 FROM keys WHERE path = ?1"
-        " ON CONFLICT(key, folded) DO UPDATE SET type=excluded.type, data=excluded.data");
-    const std::string path = Stored(kFoldedPath);
-    std::string text(reinterpret_cast<const char*>(kText), sizeof kText);
-    int number = 0;
+// Another process writes the value that is asked for; the get alone is timed.
+template <typename Store>
+void GetAfterForeignWrite(benchmark::State& state) {
+    Store& store = OpenedStore<Store>();
+    Child writer = StartChild("WriteOnDemand", Store::kName, Filled<Store>(kValues), {});
+    int stamp = 0;
     for (auto _ : state) {
-        const std::string name = Stored(NameOf(number = (number + 7919) % kValues));
-        ++text.front();
-        BindBlob(upsert, 1, path);
-        BindBlob(upsert, 2, name);
-        BindBlob(upsert, 3, text);
-        for (sqlite3_stmt* const statement : {begin, upsert, commit}) {
-            Run(state, statement, SQLITE_DONE);
-            ::sqlite3_reset(statement);
+        const int number = ++stamp * kStride % kValues;
+        const auto place = Store::PlaceOf(number);
+        writer.Write(std::to_string(number) + " " + std::to_string(stamp));
+        writer.Read();
+        Data data = {};
+        const auto begin = Clock::now();
+        store.Get(place, &data);
+        state.SetIterationTime(SecondsSince(begin));
+        if (data[0] != static_cast<char16_t>(stamp)) {
+            state.SkipWithError("the value is an old one");
         }
     }
-    for (sqlite3_stmt* const statement : {begin, upsert, commit}) {
-        ::sqlite3_finalize(statement);
-    }
 }
-BENCHMARK(SetValue_ByHand);
 
-// All the values of the key; the time is that of one step.
-void EnumNextValue_Library(benchmark::State& state) {
-    TheRegistry();
-    QXHandle values = nullptr;
+template <typename Store>
+void Set(benchmark::State& state) {
+    Store& store = OpenedStore<Store>();
+    Round places(PlacesAmong<Store>(kValues, kValues));
+    Data data = kData;
     for (auto _ : state) {
-        char16_t name[32];
-        char16_t text[64];
-        uint32_t nameLength = 32;
-        uint32_t length = sizeof text;
-        uint32_t type;
-        if (values == nullptr ||
-            QXRegistryEnumNextValue(values, name, &nameLength, &type, text, &length) != 0) {
-            QXRegistryCloseEnum(values);
-            QXRegistryOpenValueEnum(QX_HKEY_USER, kPath, &values);
+        ++data[0];  // a value that stays the same might not be written
+        if (!store.Set(places.Next(), data)) {
+            state.SkipWithError("a value was not written");
         }
-        benchmark::DoNotOptimize(text);
     }
-    QXRegistryCloseEnum(values);
 }
-BENCHMARK(EnumNextValue_Library);
 
-void EnumNextValue_ByHand(benchmark::State& state) {
-    Connection connection;
-    sqlite3_stmt* const select = connection.Prepare(
-        "SELECT vals.name, vals.type, vals.data FROM keys JOIN vals ON vals.key = keys.id"
-        " WHERE keys.path = ?1 ORDER BY vals.id");
-    const std::string path = Stored(kFoldedPath);
-    BindBlob(select, 1, path);
+template <typename Store>
+void EnumerateThousand(benchmark::State& state) {
+    Store& store = OpenedStore<Store>();
+    const auto key = Store::KeyOf(0);
     for (auto _ : state) {
-        if (::sqlite3_step(select) == SQLITE_DONE) {
-            ::sqlite3_reset(select);
+        if (store.Enumerate(key) != kGroupSize) {
+            state.SkipWithError("values are missing");
         }
-        benchmark::DoNotOptimize(::sqlite3_column_blob(select, 2));
     }
-    ::sqlite3_finalize(select);
 }
-BENCHMARK(EnumNextValue_ByHand);
+
+template <typename Store>
+void OpenAndCloseKey(benchmark::State& state) {
+    Store& store = OpenedStore<Store>();
+    const auto key = Store::KeyOf(0);
+    for (auto _ : state) {
+        if (!store.OpenAndClose(key)) {
+            state.SkipWithError("the key is missing");
+        }
+    }
+}
+
+// What is measured in children.
+
+// So many readers, and one writer that rests so many milliseconds between its writes. All readers'
+// gets go into the time of one, so that it falls as they scale.
+template <typename Store>
+void ReadersBesideWriter(benchmark::State& state) {
+    constexpr int kMilliseconds = 300;
+    const std::string directory = Filled<Store>(kValues);
+    double gets = 0;
+    double sets = 0;
+    for (auto _ : state) {
+        std::vector<Child> children;
+        children.push_back(StartChild("WriteAlong", Store::kName, directory,
+                                      {kMilliseconds, static_cast<int>(state.range(1))}));
+        while (static_cast<int64_t>(children.size()) <= state.range(0)) {
+            children.push_back(StartChild("ReadAlong", Store::kName, directory, {kMilliseconds}));
+        }
+        for (Child& child : children) {
+            child.Read();
+        }
+        for (Child& child : children) {
+            child.Write("go");
+        }
+        sets = std::stod(children[0].Read());
+        gets = 0;
+        for (std::size_t i = 1; i < children.size(); ++i) {
+            gets += std::stod(children[i].Read()) * kGetsBetweenLooks;
+        }
+        state.SetIterationTime(kMilliseconds / 1e3 / gets);
+    }
+    state.counters["gets_a_second"] = gets * 1e3 / kMilliseconds;
+    state.counters["sets_a_second"] = sets * 1e3 / kMilliseconds;
+}
+
+// How much the resident set grows while so many values are read, once the first was. What is mapped
+// counts, and what a store reads at its opening does not.
+template <typename Store>
+void MemoryOfCache(benchmark::State& state) {
+    const int values = static_cast<int>(state.range(0));
+    const std::string directory = Filled<Store>(values);
+    double bytes = 0;
+    for (auto _ : state) {
+        bytes = std::stod(StartChild("Grow", Store::kName, directory, {values}).Read());
+    }
+    state.counters["bytes_a_value"] = bytes / values;
+}
+
+// A process that ends after one get; `first_get` is its opening and its get alone.
+template <typename Store>
+void ColdProcess(benchmark::State& state) {
+    const std::string directory = Filled<Store>(kValues);
+    double gets = 0;
+    for (auto _ : state) {
+        const auto begin = Clock::now();
+        Child child = StartChild("GetOnce", Store::kName, directory, {kValues});
+        gets += std::stod(child.Read());
+        child.Wait();
+        state.SetIterationTime(SecondsSince(begin));
+    }
+    state.counters["first_get"] = benchmark::Counter(gets, benchmark::Counter::kAvgIterations);
+}
+
+// Values in the store, and how many of them are asked for in turn.
+template <typename Store>
+void Growth(benchmark::State& state) {
+    const int values = static_cast<int>(state.range(0));
+    const std::string directory = Filled<Store>(values);
+    for (auto _ : state) {
+        state.SetIterationTime(std::stod(StartChild("GetAmong", Store::kName, directory,
+                                                    {values, static_cast<int>(state.range(1))})
+                                             .Read()));
+    }
+}
+
+// All roles and rows, for all stores.
+
+struct Role {
+    const char* name;
+    void (*run)(const std::string& directory, const Numbers& numbers);
+};
+
+template <typename Store>
+constexpr Role kRoles[] = {
+    {"Fill", Fill<Store>},           {"WriteOnDemand", WriteOnDemand<Store>},
+    {"ReadAlong", ReadAlong<Store>}, {"WriteAlong", WriteAlong<Store>},
+    {"Grow", Grow<Store>},           {"GetOnce", GetOnce<Store>},
+    {"GetAmong", GetAmong<Store>},
+};
+
+using Registered = benchmark::internal::Benchmark;
+
+void Plainly(Registered*) {}
+
+void InOtherProcesses(Registered* row) {
+    row->UseManualTime()->Iterations(1);
+}
+
+struct Row {
+    const char* name;
+    void (*measure)(benchmark::State& state);
+    void (*configure)(Registered* row) = Plainly;
+    bool seesOthers = false;  // for stores alone that show what other processes write
+};
+
+template <typename Store>
+constexpr Row kRows[] = {
+    {"Get", Get<Store>},
+    {"GetAbsent", GetAbsent<Store>},
+    {"Set", Set<Store>},
+    {"EnumerateThousand", EnumerateThousand<Store>},
+    {"OpenAndCloseKey", OpenAndCloseKey<Store>},
+    {"GetAfterForeignWrite", GetAfterForeignWrite<Store>,
+     [](Registered* row) { row->UseManualTime()->Iterations(500); }, true},
+    {"ReadersBesideWriter", ReadersBesideWriter<Store>,
+     [](Registered* row) {
+         InOtherProcesses(row->ArgNames({"readers", "rest"})->ArgsProduct({{1, 2, 4, 8}, {0, 10}}));
+     },
+     true},
+    {"MemoryOfCache", MemoryOfCache<Store>,
+     [](Registered* row) { row->Arg(kValues)->Iterations(1); }},
+    {"ColdProcess", ColdProcess<Store>,
+     [](Registered* row) { row->UseManualTime()->Iterations(20); }},
+    {"Growth", Growth<Store>,
+     [](Registered* row) {
+         InOtherProcesses(row->ArgNames({"values", "asked"}));
+         for (const int values : {10, 1'000, 100'000, 1'000'000}) {
+             row->Args({values, 10});
+         }
+         row->Args({1'000'000, 1'000})->Args({1'000'000, 100'000});
+     }},
+};
+
+struct StoreEntry {
+    const char* name;
+    bool seesOthers;
+    std::span<const Role> roles;
+    std::span<const Row> rows;
+};
+
+template <typename Store>
+constexpr StoreEntry kEntry = {Store::kName, Store::kSeesOthers, kRoles<Store>, kRows<Store>};
+
+constexpr StoreEntry kStores[] = {
+    kEntry<Library>,
+    kEntry<Sqlite>,
+#ifdef QX_BENCH_LMDB
+    kEntry<Lmdb<Reading::kRenewed>>,
+    kEntry<Lmdb<Reading::kStanding>>,
+#endif
+#ifdef QX_BENCH_GLIB
+    kEntry<KeyFile>,
+#endif
+};
+
+// A row's stores stand below each other.
+void RegisterRows() {
+    for (std::size_t number = 0; number < kStores[0].rows.size(); ++number) {
+        for (const StoreEntry& store : kStores) {
+            const Row& row = store.rows[number];
+            if (!row.seesOthers || store.seesOthers) {
+                const std::string name = std::string(row.name) + "/" + store.name;
+                row.configure(benchmark::RegisterBenchmark(name.c_str(), row.measure));
+            }
+        }
+    }
+}
+
+// Role, store, folder, numbers.
+int RunChild(const Arguments& arguments) {
+    Numbers numbers;
+    for (std::size_t i = 3; i < arguments.size(); ++i) {
+        numbers.push_back(std::stoi(arguments[i]));
+    }
+    for (const StoreEntry& store : kStores) {
+        for (const Role& role : store.roles) {
+            if (arguments[0] == role.name && arguments[1] == store.name) {
+                role.run(arguments[2], numbers);
+                return 0;
+            }
+        }
+    }
+    return 1;
+}
 
 }  // namespace
+
+int main(int argc, char** argv) {
+    if (argc > 4 && std::string_view(argv[1]) == kChild) {
+        return RunChild({argv + 2, argv + argc});
+    }
+    const Folder folder;
+    s_folder = &folder;
+    RegisterRows();
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
