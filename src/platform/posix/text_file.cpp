@@ -33,7 +33,9 @@ void TakeBack(int descriptor, std::size_t bytes) noexcept {
     struct stat status;
     if (end >= 0 && ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) &&
         status.st_size == end) {
-        static_cast<void>(::ftruncate(descriptor, end - static_cast<off_t>(bytes)));
+        // Nobody could do more about a line that stays.
+        [[maybe_unused]] const int failed =
+            ::ftruncate(descriptor, end - static_cast<off_t>(bytes));
     }
 }
 
