@@ -6,8 +6,6 @@
 #include <bit>
 #include <iterator>
 
-#include "core/system_time.h"
-
 namespace {
 
 constexpr i64 kStepsPerSecond = 10'000'000;
@@ -43,7 +41,7 @@ i64 Convert(const platform::FILETIME& time) {
 
 void EntryTimes::Refresh() noexcept {
     platform::FILETIME now;
-    s_pfnGetPreciseTime(&now);
+    m_readClock(&now);
     if (m_now != UniversalSeconds(now)) {
         m_now = UniversalSeconds(now);
         std::fill(std::begin(m_weeks), std::end(m_weeks), Week{});

@@ -1,6 +1,7 @@
 #ifndef QX_FILE_ENTRY_TIMES_H
 #define QX_FILE_ENTRY_TIMES_H
 
+#include "platform/clocks.h"
 #include "platform/files.h"
 
 // The times of a listing's entries, in seconds since 1970: by way of the local time, which is read
@@ -27,6 +28,9 @@ class EntryTimes {
 
     const Week& Look(i64 number) noexcept;
 
+    // A second is told by the clock that takes least.
+    const platform::SystemTimeFunction m_readClock =
+        platform::FindSystemTimeFunction("GetSystemTimeAsFileTime");
     i64 m_now = 0;
     Week m_weeks[kWeeks] = {};
 };

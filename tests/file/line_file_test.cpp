@@ -60,6 +60,13 @@ TEST_F(LineFileTest, LinesComeWithoutTheirEnds) {
         {u"a\u2028b\u0085c\x0B d\x0C", {u"a\u2028", u"b\u0085", u"c\x0B", u" d\x0C"}},
         {u"abcdef\ngh\n", {u"abc", u"def", u"", u"gh"}, 4},
         {u"\U0001F600\U0001F600\n", {u"\U0001F600\U0001F600"}},
+        {u"ab\xD83D", {u"ab\uFFFD"}, 4},
+        {u"ab\xDE00z\n", {u"ab\uFFFD", u"z"}, 4},
+        {u"ab\U0001F600\n", {u"ab\xD83D", u"\xDE00"}, 4},
+        {std::u16string(1023, u'x') + u"\U0001F600\n",
+         {std::u16string(1023, u'x') + u"\U0001F600"},
+         1100},
+        {std::u16string(1023, u'x') + u"\r\ny", {std::u16string(1023, u'x'), u"y"}, 1100},
         {u"ab\n"
          u"c",
          {u"ab", u"\uFFFD"},

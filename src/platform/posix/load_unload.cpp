@@ -7,6 +7,7 @@
 #include <unicode/putil.h>
 
 #include "cancellation.h"
+#include "checked_handles.h"
 #include "fork.h"
 #include "platform/lifetime.h"
 #include "registry_lifetime.h"
@@ -83,6 +84,7 @@ bool OneThreadIsLeft() noexcept {
     DllMain(&__dso_handle, kProcessDetach, othersMayRun ? &__dso_handle : nullptr);
     if (!othersMayRun) {
         CloseRegistryStores();
+        FreeCheckedHandles();
     }
 }
 

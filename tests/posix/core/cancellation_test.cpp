@@ -45,6 +45,25 @@ TEST(Cancellation, WaitsForTheEndOfWhatMayBlock) {
             QXHandle library;
             EXPECT_NE(QXLibOpen(u"qxcore-nothing.so", &library), QX_S_OK);
         },
+        [] {
+            QXHandle file;
+            char byte[1];
+            uint32_t done = 0;
+            EXPECT_EQ(
+                QXFileOpen(nullptr, QX_FILE_READ | QX_FILE_WRITE | QX_FILE_TEMPORARY, 0, &file), 0);
+            EXPECT_EQ(QXFileWrite(file, "x", 1, &done), 0);
+            EXPECT_EQ(QXFileSeek(file, 0, 0, &done), 0);
+            EXPECT_EQ(QXFileRead(file, byte, 1, &done), 0);
+            EXPECT_EQ(QXFileFlush(file), 0);
+            EXPECT_EQ(QXFileClose(file), 0);
+        },
+        [] {
+            QXHandle directory;
+            QXDirEntry entry;
+            EXPECT_EQ(QXDirOpen(u"/", &directory), 0);
+            EXPECT_EQ(QXDirRead(directory, &entry, 0), 0);
+            EXPECT_EQ(QXDirClose(directory), 0);
+        },
     };
     for (const auto& call : calls) {
         bool ended = false;

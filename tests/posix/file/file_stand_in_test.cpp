@@ -2,12 +2,16 @@
 #include <gtest/gtest.h>
 #include <qxcore/file.h>
 #include <qxcore/time.h>
+#include <sched.h>
 #include <signal.h>
+#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/time.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <fstream>
 #include <map>
@@ -16,7 +20,7 @@
 #include <thread>
 #include <vector>
 
-#include "support/temporary_directory.h"
+#include "support/system.h"
 
 namespace {
 
@@ -249,6 +253,104 @@ TEST_F(FileStandIn, ALimitOfSizeFailsAsAFullDiskDoes) {
     setrlimit(RLIMIT_FSIZE, &before);
     EXPECT_EQ(result, QX_E_FAIL);
     EXPECT_EQ(std::filesystem::file_size(Bytes("copy")), 40'000u);
+}
+
+TEST_F(FileStandIn, ACopyToAFullDiskFailsAndLeavesWhatItWrote) {
+    std::filesystem::create_directory(m_directory.Path() / "disk");
+    Touch("source");
+    std::filesystem::resize_file(Bytes("source"), 100'000);
+    if (unshare(CLONE_NEWNS) != 0 ||
+        mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+        mount("tmpfs", Bytes("disk").c_str(), "tmpfs", 0, "size=40k") != 0) {
+        GTEST_SKIP() << "no file system may be mounted here";
+    }
+    QXHandle file = nullptr;
+    EXPECT_EQ(QXFileCopy(Units("source").c_str(), Units("disk/copy").c_str(), QX_FILE_CREATE, 0666,
+                         &file),
+              QX_E_FAIL);
+    EXPECT_EQ(file, QX_INVALID_HANDLE);
+    EXPECT_EQ(std::filesystem::file_size(Bytes("disk/copy")), 40'960u);
+    EXPECT_EQ(umount(Bytes("disk").c_str()), 0);  // also: nothing on it is open
+}
+
+TEST_F(FileStandIn, AWaitForALockGoesOnUnderSignals) {
+    Touch("file");
+    const QXHandle holding = Open(Units("file"), QX_FILE_READ | QX_FILE_WRITE);
+    const QXHandle waiting = Open(Units("file"), QX_FILE_READ | QX_FILE_WRITE);
+    struct sigaction action = {};
+    action.sa_handler = [](int) {};
+    sigaction(SIGUSR1, &action, nullptr);
+    for (const uint32_t flags : {QX_FILE_LOCK_WAIT, QX_FILE_LOCK_WAIT | QX_FILE_LOCK_SHARED}) {
+        ASSERT_EQ(QXFileLock(holding, 5, 5, 0), QX_S_OK);
+        std::atomic<unsigned> number = 0;
+        std::atomic<bool> locked = false;
+        std::thread waiter([&] {
+            number = ThreadNumber();
+            EXPECT_EQ(QXFileLock(waiting, 0, 10, flags), QX_S_OK);
+            locked = true;
+            EXPECT_EQ(QXFileUnlock(waiting, 0, 10), QX_S_OK);
+        });
+        for (int signals = 0; signals < 20; ++signals) {
+            while (number == 0 || !ThreadSleeps(number)) {
+                std::this_thread::yield();
+            }
+            pthread_kill(waiter.native_handle(), SIGUSR1);
+        }
+        EXPECT_FALSE(locked);
+        EXPECT_EQ(QXFileUnlock(holding, 5, 5), QX_S_OK);
+        waiter.join();
+    }
+    QXFileClose(waiting);
+    QXFileClose(holding);
+}
+
+TEST_F(FileStandIn, NoHandleIsGivenTwiceHoweverManyThereWere) {
+    Touch("file");
+    std::set<QXHandle> all;
+    std::vector<QXHandle> open;
+    for (int i = 0; i < 1000; ++i) {
+        open.push_back(Open(Units("file"), QX_FILE_READ));
+        EXPECT_TRUE(all.insert(open.back()).second);
+        if (i % 3 == 0) {
+            EXPECT_EQ(QXFileClose(open.front()), QX_S_OK);
+            open.erase(open.begin());
+        }
+    }
+    uint64_t size = 0;
+    for (const QXHandle each : all) {
+        const bool isOpen = std::find(open.begin(), open.end(), each) != open.end();
+        EXPECT_EQ(QXFileGetSize(each, &size), isOpen ? QX_S_OK : QX_E_HANDLE);
+        EXPECT_EQ(QXFileClose(each), isOpen ? QX_S_OK : QX_E_HANDLE);
+    }
+    EXPECT_EQ(QXFileGetSize(reinterpret_cast<QXHandle>(0x7FFF'FFFF'FFFF'FFFF), &size), QX_E_HANDLE);
+}
+
+// Each gets the file that it named, or is told that the handle is none any more.
+TEST_F(FileStandIn, ClosingMeetsThoseWhoAreAtWork) {
+    Touch("file");
+    std::atomic<QXHandle> shared = Open(Units("file"), QX_FILE_READ);
+    std::atomic<bool> ends = false;
+    std::vector<std::thread> readers;
+    for (int i = 0; i < 3; ++i) {
+        readers.emplace_back([&] {
+            while (!ends) {
+                uint64_t size = 0;
+                const QXResult result = QXFileGetSize(shared, &size);
+                EXPECT_TRUE(result == QX_E_HANDLE || (result == QX_S_OK && size == 7));
+            }
+        });
+    }
+    for (int i = 0; i < 3000; ++i) {
+        const QXHandle before = shared;
+        EXPECT_EQ(QXFileClose(before), QX_S_OK);
+        EXPECT_EQ(QXFileClose(before), QX_E_HANDLE);
+        shared = Open(Units("file"), QX_FILE_READ);
+    }
+    ends = true;
+    for (std::thread& reader : readers) {
+        reader.join();
+    }
+    QXFileClose(shared);
 }
 
 TEST_F(FileStandIn, EitherLockGoesThroughAnyHandle) {

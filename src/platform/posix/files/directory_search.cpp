@@ -8,6 +8,7 @@
 #include <new>
 #include <string>
 #include <string_view>
+#include <typeinfo>
 
 #include "../cancellation.h"
 #include "../checked_handles.h"
@@ -67,29 +68,56 @@ void StoreStatus(const struct statx& status, FoundFile* found) noexcept {
     found->nFileSizeLow = static_cast<u32>(size);
 }
 
-struct CloseDirectory {
-    void operator()(DIR* directory) const noexcept { ::closedir(directory); }
-};
-using Directory = std::unique_ptr<DIR, CloseDirectory>;
+// A directory's entries as the kernel hands them over. First those of a small room: who asks only
+// whether there is anything need not wait for as many as it can give at once.
+class DirectoryEntries {
+  public:
+    explicit DirectoryEntries(OwnedDescriptor directory) noexcept
+        : m_directory(std::move(directory)) {}
 
-Directory OpenDirectory(const char* path) noexcept {
-    OwnedDescriptor descriptor = OpenDescriptor(path, O_RDONLY | O_DIRECTORY);
-    Directory directory(descriptor ? ::fdopendir(descriptor.Get()) : nullptr);
-    if (directory != nullptr) {
-        descriptor.Release();
+    int Descriptor() const noexcept { return m_directory.Get(); }
+
+    // Null behind the last one, and with errno set where it was 0 on a failure.
+    const dirent64* Next() noexcept {
+        if (m_next == m_end && !Fill()) {
+            return nullptr;
+        }
+        const auto* const entry = reinterpret_cast<const dirent64*>(m_next);
+        m_next += entry->d_reclen;
+        return entry;
     }
-    return directory;
-}
+
+  private:
+    static constexpr std::size_t kFirstRoom = 1024;
+
+    // A directory that was removed has no entries any more.
+    bool Fill() noexcept {
+        const ssize_t size = ::getdents64(Descriptor(), m_buffer, m_room);
+        if (size < 0 && errno == ENOENT) {
+            errno = 0;
+        }
+        m_room = sizeof m_buffer;
+        m_next = m_buffer;
+        m_end = m_buffer + std::max<ssize_t>(size, 0);
+        return size > 0;
+    }
+
+    const OwnedDescriptor m_directory;
+    std::size_t m_room = kFirstRoom;
+    const char* m_next = nullptr;
+    const char* m_end = nullptr;
+    alignas(dirent64) char m_buffer[32768];
+};
 
 class DirectorySearch final : public CheckedObject {
   public:
-    DirectorySearch(Directory directory, std::u16string_view pattern)
-        : m_directory(std::move(directory)), m_pattern(pattern), m_matchesAll(pattern == u"*") {}
+    DirectorySearch(OwnedDescriptor directory, std::u16string_view pattern)
+        : m_entries(std::move(directory)), m_pattern(pattern), m_matchesAll(pattern == u"*") {}
 
     bool Next(FoundFile* found) noexcept {
         for (;;) {
             errno = 0;
-            const dirent* const entry = ::readdir(m_directory.get());
+            const dirent64* const entry = m_entries.Next();
             if (entry == nullptr) {
                 return errno != 0 ? FailByErrno() : FailWith(kErrorNoMoreFiles);
             }
@@ -116,11 +144,10 @@ class DirectorySearch final : public CheckedObject {
 
     // False for an entry that is gone. Of one that may not be looked at the kind is all that is
     // told.
-    bool StoreEntry(const dirent& entry, FoundFile* found) const noexcept {
-        struct statx status = {};
-        if (::statx(::dirfd(m_directory.get()), entry.d_name,
-                    AT_SYMLINK_NOFOLLOW | AT_STATX_DONT_SYNC, STATX_BASIC_STATS | STATX_BTIME,
-                    &status) != 0) {
+    bool StoreEntry(const dirent64& entry, FoundFile* found) const noexcept {
+        struct statx status;
+        if (::statx(m_entries.Descriptor(), entry.d_name, AT_SYMLINK_NOFOLLOW | AT_STATX_DONT_SYNC,
+                    STATX_BASIC_STATS | STATX_BTIME, &status) != 0) {
             if (errno == ENOENT) {
                 return false;
             }
@@ -132,7 +159,7 @@ class DirectorySearch final : public CheckedObject {
         return true;
     }
 
-    const Directory m_directory;
+    DirectoryEntries m_entries;
     const std::u16string m_pattern;
     const bool m_matchesAll;
 };
@@ -140,10 +167,16 @@ class DirectorySearch final : public CheckedObject {
 class SearchReference {
   public:
     explicit SearchReference(HANDLE handle) noexcept
-        : m_reference(handle), m_search(dynamic_cast<DirectorySearch*>(m_reference.Get())) {}
+        : m_reference(handle), m_search(Of(m_reference.Get())) {}
     DirectorySearch* Get() const noexcept { return m_search; }
 
   private:
+    // As FileObject::Of.
+    static DirectorySearch* Of(CheckedObject* object) noexcept {
+        const bool isSearch = object != nullptr && typeid(*object) == typeid(DirectorySearch);
+        return isSearch ? static_cast<DirectorySearch*>(object) : nullptr;
+    }
+
     const CheckedReference m_reference;
     DirectorySearch* const m_search;
 };
@@ -175,8 +208,8 @@ std::unique_ptr<DirectorySearch> OpenSearch(const char16_t* pattern) {
     if (!path.IsValid()) {
         return nullptr;
     }
-    Directory directory = OpenDirectory(path.Text());
-    if (directory == nullptr) {
+    OwnedDescriptor directory = OpenDescriptor(path.Text(), O_RDONLY | O_DIRECTORY);
+    if (!directory) {
         FailWith(SearchError(path.Text(), errno));
         return nullptr;
     }
@@ -211,8 +244,8 @@ HANDLE FindFirstFileExW(const char16_t* pattern, FoundFile* found) noexcept {
     return search != nullptr ? search : reinterpret_cast<HANDLE>(-1);
 }
 
+// Neither reading a directory nor the status of an entry is a point of cancellation.
 bool FindNextFileW(HANDLE search, FoundFile* found) noexcept {
-    const CancellationOff whole;
     const ErrnoKeeper keepErrno;
     const SearchReference reference(search);
     return reference.Get() != nullptr ? reference.Get()->Next(found)

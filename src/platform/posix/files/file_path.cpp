@@ -73,6 +73,10 @@ bool AppendBytes(std::u16string_view text, std::string& bytes) {
 std::size_t UnitsOfPath(const char* bytes, std::size_t length, char16_t* units) noexcept {
     std::size_t written = 0;
     for (std::size_t i = 0; i < length;) {
+        if (static_cast<u8>(bytes[i]) < 0x80 && bytes[i] != '\\') {
+            units[written++] = static_cast<char16_t>(bytes[i++]);
+            continue;
+        }
         const utf::Decoded read = utf::DecodeUtf8(bytes + i, length - i);
         const bool isCarried = read.character == utf::kIllFormed || read.character == '\\';
         if (isCarried) {

@@ -2,6 +2,7 @@
 #include "platform/files.h"
 
 #include <sys/stat.h>
+#include <sys/syscall.h>
 
 #include <algorithm>
 #include <optional>
@@ -17,10 +18,26 @@ namespace {
 
 constexpr mode_t kWriteBits = 0222;
 
-// What each operation keeps from the thread that calls it.
+// What an operation keeps from the thread that calls it. Those of which there are many one after
+// the other call nothing that cancels, and keep errno alone: the C library's read and write do, the
+// system's own do not, and neither do seeking and the status of a descriptor.
 struct Operation {
     const CancellationOff m_whole;
     const ErrnoKeeper m_keepErrno;
+};
+
+ssize_t Read(int file, char* to, std::size_t count) noexcept {
+    return ::syscall(SYS_read, file, to, count);
+}
+
+ssize_t Write(int file, const char* from, std::size_t count) noexcept {
+    return ::syscall(SYS_write, file, from, count);
+}
+
+// What is held while a pipe may be without a reader.
+struct PipeWriting {
+    const CancellationOff m_whole;
+    const WriteSignalsHeld m_noSignals;
 };
 
 // The kernel moves at most about 2 GiB at once, and says how much that was; less is all there is.
@@ -73,7 +90,7 @@ bool HasReadOnlyAttribute(const struct stat& status) noexcept {
 }  // namespace
 
 bool ReadFile(HANDLE handle, void* buffer, u32 count, u32* done) noexcept {
-    const Operation operation;
+    const ErrnoKeeper keepErrno;
     *done = 0;
     const FileReference file(handle);
     if (!file) {
@@ -84,7 +101,7 @@ bool ReadFile(HANDLE handle, void* buffer, u32 count, u32* done) noexcept {
     }
     const bool read =
         MoveAll(static_cast<char*>(buffer), count, done,
-                [&](char* to, std::size_t n) { return ::read(file->Descriptor(), to, n); });
+                [&](char* to, std::size_t n) { return Read(file->Descriptor(), to, n); });
     if (read && *done == 0 && count != 0 && file->IsPipe()) {
         return FailWith(kErrorBrokenPipe);
     }
@@ -92,7 +109,7 @@ bool ReadFile(HANDLE handle, void* buffer, u32 count, u32* done) noexcept {
 }
 
 bool WriteFile(HANDLE handle, const void* buffer, u32 count, u32* done) noexcept {
-    const Operation operation;
+    const ErrnoKeeper keepErrno;
     *done = 0;
     const FileReference file(handle);
     if (!file) {
@@ -101,17 +118,17 @@ bool WriteFile(HANDLE handle, const void* buffer, u32 count, u32* done) noexcept
     if (!file->MayWrite()) {
         return FailWith(kErrorAccessDenied);
     }
-    std::optional<WriteSignalsHeld> held;
+    std::optional<PipeWriting> held;
     if (file->IsPipe()) {
         held.emplace();
     }
     return MoveAll(
         static_cast<const char*>(buffer), count, done,
-        [&](const char* from, std::size_t n) { return ::write(file->Descriptor(), from, n); });
+        [&](const char* from, std::size_t n) { return Write(file->Descriptor(), from, n); });
 }
 
 u32 SetFilePointer(HANDLE handle, i32 distance, u32 origin) noexcept {
-    const Operation operation;
+    const ErrnoKeeper keepErrno;
     const FileReference file(handle);
     u64 position;
     if (!file) {
@@ -131,7 +148,7 @@ u32 SetFilePointer(HANDLE handle, i32 distance, u32 origin) noexcept {
 }
 
 bool SetFilePointerEx(HANDLE handle, i64 distance, u64* position, u32 origin) noexcept {
-    const Operation operation;
+    const ErrnoKeeper keepErrno;
     *position = 0;
     const FileReference file(handle);
     if (!file) {
@@ -159,7 +176,7 @@ bool FlushFileBuffers(HANDLE handle) noexcept {
 }
 
 bool GetFileSizeEx(HANDLE handle, u64* size) noexcept {
-    const Operation operation;
+    const ErrnoKeeper keepErrno;
     *size = 0;
     const FileReference file(handle);
     if (!file) {
