@@ -1,5 +1,5 @@
 // The registry beside statements by hand, a memory-mapped tree and a text file in memory: each row
-// is a function over the stores of registry_stores.h, and each store has the same values of 32
+// is a function over the stores of registry_stores/, and each store has the same values of 32
 // bytes, a thousand to a key.
 //
 // Rows about several processes, and about a process's memory or beginning, are measured in children
@@ -21,7 +21,15 @@
 #include <vector>
 
 #include "child_program.h"
-#include "registry_stores.h"
+#include "registry_stores/library.h"
+#include "registry_stores/sqlite.h"
+#include "registry_stores/values.h"
+#ifdef QX_BENCH_LMDB
+#include "registry_stores/lmdb.h"
+#endif
+#ifdef QX_BENCH_GLIB
+#include "registry_stores/key_file.h"
+#endif
 
 namespace {
 
@@ -403,29 +411,28 @@ void InOtherProcesses(Registered* row) {
 struct Row {
     const char* name;
     void (*measure)(benchmark::State& state);
+    Offers needs = Offers::kReading;
     void (*configure)(Registered* row) = Plainly;
-    bool seesOthers = false;  // for stores alone that show what other processes write
 };
 
 template <typename Store>
 constexpr Row kRows[] = {
     {"Get", Get<Store>},
     {"GetAbsent", GetAbsent<Store>},
-    {"Set", Set<Store>},
+    {"Set", Set<Store>, Offers::kWriting},
     {"EnumerateThousand", EnumerateThousand<Store>},
     {"OpenAndCloseKey", OpenAndCloseKey<Store>},
-    {"GetAfterForeignWrite", GetAfterForeignWrite<Store>,
-     [](Registered* row) { row->UseManualTime()->Iterations(500); }, true},
-    {"ReadersBesideWriter", ReadersBesideWriter<Store>,
+    {"GetAfterForeignWrite", GetAfterForeignWrite<Store>, Offers::kSeeingOthersWrite,
+     [](Registered* row) { row->UseManualTime()->Iterations(500); }},
+    {"ReadersBesideWriter", ReadersBesideWriter<Store>, Offers::kSeeingOthersWrite,
      [](Registered* row) {
          InOtherProcesses(row->ArgNames({"readers", "rest"})->ArgsProduct({{1, 2, 4, 8}, {0, 10}}));
-     },
-     true},
-    {"MemoryOfCache", MemoryOfCache<Store>,
+     }},
+    {"MemoryOfCache", MemoryOfCache<Store>, Offers::kReading,
      [](Registered* row) { row->Arg(kValues)->Iterations(1); }},
-    {"ColdProcess", ColdProcess<Store>,
+    {"ColdProcess", ColdProcess<Store>, Offers::kReading,
      [](Registered* row) { row->UseManualTime()->Iterations(20); }},
-    {"Growth", Growth<Store>,
+    {"Growth", Growth<Store>, Offers::kReading,
      [](Registered* row) {
          InOtherProcesses(row->ArgNames({"values", "asked"}));
          for (const int values : {10, 1'000, 100'000, 1'000'000}) {
@@ -437,13 +444,13 @@ constexpr Row kRows[] = {
 
 struct StoreEntry {
     const char* name;
-    bool seesOthers;
+    Offers offers;
     std::span<const Role> roles;
     std::span<const Row> rows;
 };
 
 template <typename Store>
-constexpr StoreEntry kEntry = {Store::kName, Store::kSeesOthers, kRoles<Store>, kRows<Store>};
+constexpr StoreEntry kEntry = {Store::kName, Store::kOffers, kRoles<Store>, kRows<Store>};
 
 constexpr StoreEntry kStores[] = {
     kEntry<Library>,
@@ -462,7 +469,7 @@ void RegisterRows() {
     for (std::size_t number = 0; number < kStores[0].rows.size(); ++number) {
         for (const StoreEntry& store : kStores) {
             const Row& row = store.rows[number];
-            if (!row.seesOthers || store.seesOthers) {
+            if (row.needs <= store.offers) {
                 const std::string name = std::string(row.name) + "/" + store.name;
                 row.configure(benchmark::RegisterBenchmark(name.c_str(), row.measure));
             }
