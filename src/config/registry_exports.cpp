@@ -1,5 +1,5 @@
-// Each function opens a native key, works on it and closes it. Only what allocates is under the
-// guard.
+// Each function opens a native key, works on it and closes it; to read or write one value is one
+// operation of the platform. Only what allocates is under the guard.
 #include <qxcore/registry.h>
 #include <qxcore/result.h>
 
@@ -34,14 +34,6 @@ struct DefaultSecurity {
     platform::SECURITY_ATTRIBUTES m_attributes;
 };
 
-u32 CreateKey(const RegistryRoot& root, const wchar* path, platform::HKEY* key) {
-    const DefaultSecurity security;
-    u32 disposition = 0;
-    return platform::RegCreateKeyExW(
-        root.m_key, path, 0, nullptr, 0, root.m_view | platform::kKeyAllAccess,
-        s_isWinNT != 0 ? &security.m_attributes : nullptr, key, &disposition);
-}
-
 // The key stays open if there is no memory for the record.
 QXResult NewEnumeration(platform::HKEY key, QXHandle* handle) {
     return RunGuarded([&] {
@@ -59,14 +51,10 @@ u32 OpenForEnumeration(i32 root, const wchar* path, QXHandle* handle, platform::
 
 QXResult QXRegistryGetValue(int32_t root, const wchar* path, const wchar* name, uint32_t* type,
                             void* data, uint32_t* length) {
-    platform::HKEY key;
-    u32 error = OpenKey(MapRoot(root), path, platform::kKeyRead, &key);
-    if (error != 0) {
-        return QXResultFromNative(error);
-    }
+    const RegistryRoot native = MapRoot(root);
     const u32 capacity = length != nullptr ? *length : 0;
-    error = platform::RegQueryValueExW(key, name, nullptr, type, data, length);
-    platform::RegCloseKey(key);
+    const u32 error =
+        platform::ReadRegistryValue(native.m_key, path, native.m_view, name, type, data, length);
     if (error != 0 || type == nullptr) {
         return QXResultFromNative(error);
     }
@@ -81,13 +69,11 @@ QXResult QXRegistrySetValue(int32_t root, const wchar* path, const wchar* name, 
     if (!MapTypeForWriting(type, native)) {
         return QX_E_INVALIDARG;
     }
-    platform::HKEY key;
-    u32 error = CreateKey(MapRoot(root), path, &key);
-    if (error == 0) {
-        error = platform::RegSetValueExW(key, name, 0, native, data, length);
-        platform::RegCloseKey(key);
-    }
-    return QXResultFromNative(error);
+    const RegistryRoot key = MapRoot(root);
+    const DefaultSecurity security;
+    return QXResultFromNative(platform::WriteRegistryValue(
+        key.m_key, path, key.m_view, s_isWinNT != 0 ? &security.m_attributes : nullptr, name,
+        native, data, length));
 }
 
 QXResult QXRegistryDeleteKey(int32_t root, const wchar* path) {

@@ -83,6 +83,7 @@ void AfterForkInChild() {
     t_threadId = 0;
     ForgetInheritedWaiters();
     ForgetInheritedThreads();
+    ForgetInheritedRegistryUsers();
     if (t_takesPart) {
         LetGo();
     }

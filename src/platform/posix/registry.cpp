@@ -1,163 +1,46 @@
-// The operations of the registry on the stores. Each takes the lock of one store for its length.
+// The operations of the registry. One that reads asks the process's memory of the store first, and
+// takes the store's lock if that does not know.
 #include "platform/registry.h"
 
-#include <cstring>
 #include <memory>
+#include <new>
 #include <string>
-#include <utility>
 
 #include "platform/errors.h"
+#include "registry_fill.h"
+#include "registry_key.h"
+#include "registry_lookup.h"
 #include "registry_names.h"
 #include "registry_query.h"
 #include "registry_run.h"
-#include "registry_schema.h"
 
 namespace platform {
-
-// Where the walks through a key's keys and values stand: the index that comes next, and the entry
-// before it. A step looks for what follows that entry, so it costs the same at any index.
-struct KeyWalk {
-    u32 m_nextKey = 0;
-    std::string m_lastKey;
-    u32 m_nextValue = 0;
-    i64 m_lastValue = 0;
-};
-
-// A key of a store by its number, so that it outlives the connection of the store, and what may be
-// done with it. Of a store that was replaced the numbers mean nothing.
-struct KeyReference {
-    i64 m_id;
-    StoreNumber m_store;
-    u32 m_access;
-    u32 m_incarnation;
-
-    bool Allows(u32 right) const noexcept { return (m_access & right) != 0; }
-};
-
-struct RegistryKey {
-    KeyReference m_reference;
-    KeyWalk m_walk;
-};
-
 namespace {
 
-constexpr u32 kWriteRights = 0xD0006;  // set a value, create a key, delete, change owner or list
 constexpr u32 kCreatedNewKey = 1;
 constexpr u32 kOpenedExistingKey = 2;
 constexpr std::size_t kMaxDepth = 512;
-
-bool IsRoot(i64 id) noexcept {
-    return id <= kTreeUser;
-}
-
-bool IsOfThisStore(RegistryStore& store, const KeyReference& key) noexcept {
-    return IsRoot(key.m_id) || key.m_incarnation == store.Incarnation();
-}
 
 RegistryStore::Purpose PurposeOf(u32 access) noexcept {
     return (access & kWriteRights) != 0 ? RegistryStore::Purpose::kWrite
                                         : RegistryStore::Purpose::kRead;
 }
 
-bool FindRoot(PredefinedRoot root, u32 view, KeyReference& base) noexcept {
-    const bool wants32 = (view & kKeyWow64View32) != 0;
-    switch (root) {
-        case kHkeyClassesRoot:
-            base = {wants32 ? kTreeClasses32 : kTreeClasses64, StoreNumber::kMachine, ~0u, 0};
-            return true;
-        case kHkeyLocalMachine:
-            base = {wants32 ? kTreeConfig32 : kTreeConfig64, StoreNumber::kMachine, ~0u, 0};
-            return true;
-        case kHkeyCurrentUser:
-            base = {kTreeUser, StoreNumber::kUser, ~0u, 0};
-            return true;
-        default:
-            return false;
-    }
-}
-
-bool IsPredefined(HKEY key) noexcept {
-    return reinterpret_cast<std::intptr_t>(key) < 0;
-}
-
-bool FindBase(HKEY key, u32 view, KeyReference& base) noexcept {
-    if (IsPredefined(key)) {
-        const auto value = static_cast<u32>(reinterpret_cast<std::uintptr_t>(key));
-        return FindRoot(static_cast<PredefinedRoot>(value), view, base);
-    }
-    if (key == nullptr) {
-        return false;
-    }
-    base = key->m_reference;
-    return true;
-}
-
-// The stored path of the key itself; empty if it is gone.
-std::string PathOfBase(RegistryStore& store, const KeyReference& base) {
-    if (IsRoot(base.m_id)) {
-        return StoredName(TreeName(base.m_id));
-    }
-    if (!IsOfThisStore(store, base)) {
-        return {};
-    }
-    Query query(store, Statement::kKeyPath);
-    query.Bind(1, base.m_id);
-    return query.Step() ? std::string(query.Blob(0)) : std::string();
-}
-
-// What a missing row of a key means.
-u32 MissingOrDeleted(RegistryStore& store, i64 key, u32 missing) {
-    Query query(store, Statement::kKeyPath);
-    query.Bind(1, key);
-    return query.Step() ? missing : static_cast<u32>(kErrorKeyDeleted);
-}
-
-// The folded path of a key below another.
-u32 ResolvePath(RegistryStore& store, const KeyReference& base, const char16_t* path,
-                std::string& resolved) {
-    resolved = PathOfBase(store, base);
-    if (resolved.empty()) {
-        return kErrorKeyDeleted;
-    }
-    return AppendFoldedPath(resolved, path) ? kErrorSuccess : kErrorInvalidParameter;
-}
-
-[[noreturn]] void ThrowDamaged() {
-    throw StoreFailure{kErrorBadDatabase, false};
-}
-
-// The numbers of the roots belong to them alone, whatever the file says.
-bool IsNumberOf(i64 id, std::string_view path) {
-    return id > kLastReservedId ||
-           (id >= kTreeClasses32 && IsRoot(id) && path == StoredName(TreeName(id)));
-}
-
-bool FindKey(RegistryStore& store, std::string_view path, i64& id) {
-    Query query(store, Statement::kFindKey);
-    query.Bind(1, path);
-    if (!query.Step()) {
-        return false;
-    }
-    id = query.Integer(0);
-    if (!IsNumberOf(id, path)) {
-        ThrowDamaged();
-    }
-    return true;
-}
-
-// Finds a key and tests whether it can be opened with the wanted rights.
-u32 FindForOpening(RegistryStore& store, std::string_view path, u32 access, i64& id) {
-    if (!FindKey(store, path, id)) {
-        return kErrorFileNotFound;
-    }
-    return (access & kWriteRights) != 0 && !store.CanWrite() ? kErrorAccessDenied : kErrorSuccess;
-}
-
 using OwnedKey = std::unique_ptr<RegistryKey>;
 
-OwnedKey NewKey(i64 id, const KeyReference& base, u32 access, RegistryStore& store) {
+OwnedKey NewKey(i64 id, const KeyReference& base, u32 access, const RegistryStore& store) {
     return OwnedKey(new RegistryKey{.m_reference = {id, base.m_store, access, store.Incarnation()},
                                     .m_walk = {}});
+}
+
+// Asks what the process remembers of a store, if that is current. `lookup` neither throws, nor
+// allocates, nor waits: it may be interrupted by a handler that uses the registry itself or forks.
+template <typename Lookup>
+u32 AskMemory(const KeyReference& base, Lookup&& lookup) noexcept {
+    RegistryStore& store = StoreOf(base.m_store);
+    const CancellationOff noCancellation;
+    const MemoryUse use(store.Memory(), base.m_store);
+    return use && IsOfThisStore(store, base) ? lookup(store.Memory().Cache()) : kNotRemembered;
 }
 
 // Runs an operation that makes a key, which is the caller's only if the operation succeeds.
@@ -213,22 +96,17 @@ u32 CreateKey(RegistryStore& store, const KeyReference& base, const char16_t* pa
     return error;
 }
 
-// A key is always made before those below it, so that a walk downwards comes to its end in any
-// file.
+// The absence of a key is told before a lack of rights.
 u32 OpenExisting(RegistryStore& store, const KeyReference& base, const char16_t* path, u32 access,
                  i64& id) {
     if (!store.Open(PurposeOf(access))) {
         return kErrorFileNotFound;
     }
-    std::string resolved;
-    u32 error = ResolvePath(store, base, path, resolved);
-    if (error == kErrorSuccess) {
-        error = FindForOpening(store, resolved, access, id);
-    }
-    if (error == kErrorSuccess && id < base.m_id + HasComponent(path)) {
-        ThrowDamaged();
-    }
-    return error;
+    const u32 error = FindKeyBelow(store, base, path, id);
+    const bool writes = (access & kWriteRights) != 0;
+    return error == kErrorSuccess && writes && !store.CanWrite()
+               ? static_cast<u32>(kErrorAccessDenied)
+               : error;
 }
 
 u32 DeleteLeaf(RegistryStore& store, i64 id) {
@@ -258,116 +136,131 @@ std::u16string_view NameOrDefault(const char16_t* name) noexcept {
     return name != nullptr ? std::u16string_view(name) : std::u16string_view();
 }
 
-// Where a value is written to. All but `m_size` may be null.
-struct ValueTarget {
-    u32* m_type;
-    void* m_data;
-    u32* m_size;
-};
+u32 CheckValue(std::u16string_view name, const ValueTarget& target) noexcept {
+    const bool valid = (target.m_data == nullptr || target.m_size != nullptr) &&
+                       name.size() <= kMaxValueName;
+    return valid ? kErrorSuccess : kErrorInvalidParameter;
+}
 
-u32 CopyValue(Query& query, int typeColumn, const ValueTarget& target) noexcept {
-    const std::string_view data = query.Blob(typeColumn + 1);
-    if (target.m_type != nullptr) {
-        *target.m_type = static_cast<u32>(query.Integer(typeColumn));
+// Writes nothing below a key that is gone.
+u32 WriteValue(RegistryStore& store, i64 id, std::u16string_view name, u32 type,
+               std::string_view data) {
+    store.OpenForWriting();
+    const std::string folded = FoldedName(name);
+    const std::string spelled = StoredName(name);
+    StoreMemory::OwnWrite write(store.Memory(), store.Connection());
+    Query(store, Statement::kWriteValue)
+        .Bind(1, id)
+        .Bind(2, folded)
+        .Bind(3, spelled)
+        .Bind(4, i64{type})
+        .Bind(5, data)
+        .Step();
+    if (::sqlite3_changes(store.Database()) == 0) {
+        return kErrorKeyDeleted;
     }
-    if (target.m_size == nullptr) {
-        return kErrorSuccess;
-    }
-    const u32 capacity = *target.m_size;
-    *target.m_size = static_cast<u32>(data.size());
-    if (target.m_data == nullptr) {
-        return kErrorSuccess;
-    }
-    if (data.size() > capacity) {
-        return kErrorMoreData;
-    }
-    if (!data.empty()) {
-        std::memcpy(target.m_data, data.data(), data.size());
+    FoldedText key;
+    if (key.SetName(name) && write.CanFollow()) {
+        KeepWritten(store.Memory().Cache(), id, key.Get(), type, data);
+        write.Follow();
     }
     return kErrorSuccess;
 }
 
-// Runs an operation on the store of an open key with the key's number.
-template <typename Operation>
-u32 RunOnKey(HKEY key, u32 right, Operation&& operation) noexcept {
-    KeyReference base;
+u32 DeleteValue(RegistryStore& store, i64 id, std::u16string_view name) {
+    store.OpenForWriting();
+    const std::string folded = FoldedName(name);
+    StoreMemory::OwnWrite write(store.Memory(), store.Connection());
+    Query(store, Statement::kDeleteValue).Bind(1, id).Bind(2, folded).Step();
+    if (::sqlite3_changes(store.Database()) == 0) {
+        return MissingOrDeleted(store, id, kErrorFileNotFound);
+    }
+    FoldedText key;
+    if (key.SetName(name) && write.CanFollow()) {
+        KeepDeleted(store.Memory().Cache(), id, key.Get());
+        write.Follow();
+    }
+    return kErrorSuccess;
+}
+
+u32 OpenOrCreate(RegistryStore& store, const KeyReference& base, const char16_t* path, i64& id,
+                 u32& disposition) {
+    const u32 error = OpenExisting(store, base, path, kKeyAllAccess, id);
+    disposition = error == kErrorFileNotFound ? kCreatedNewKey : kOpenedExistingKey;
+    return error == kErrorFileNotFound ? CreateKey(store, base, path, id) : error;
+}
+
+u32 FindKeyReference(HKEY key, u32 right, KeyReference& base) noexcept {
     if (!FindBase(key, 0, base)) {
         return kErrorInvalidHandle;
     }
-    if (!base.Allows(right)) {
-        return kErrorAccessDenied;
-    }
-    return RunOnStore(base.m_store, [&](RegistryStore& store) -> u32 {
+    return base.Allows(right) ? kErrorSuccess : kErrorAccessDenied;
+}
+
+// Runs an operation on the store of an open key.
+template <typename Operation>
+u32 RunOnKey(const KeyReference& key, u32 right, Operation&& operation) noexcept {
+    return RunOnStore(key.m_store, [&](RegistryStore& store) -> u32 {
         if (!store.Open(PurposeOf(right))) {
             return kErrorFileNotFound;
         }
-        return IsOfThisStore(store, base) ? operation(store, base.m_id) : kErrorKeyDeleted;
+        return IsOfThisStore(store, key) ? operation(store) : kErrorKeyDeleted;
     });
 }
 
-// As above, for a value; with its folded name.
+// The same for a value that is to be changed; with its name.
 template <typename Operation>
-u32 RunOnValue(HKEY key, const char16_t* name, u32 right, Operation&& operation) noexcept {
-    return RunOnKey(key, right, [&](RegistryStore& store, i64 id) -> u32 {
+u32 RunOnValue(HKEY key, const char16_t* name, Operation&& operation) noexcept {
+    KeyReference base;
+    if (const u32 error = FindKeyReference(key, kKeySetValue, base)) {
+        return error;
+    }
+    return RunOnKey(base, kKeySetValue, [&](RegistryStore& store) -> u32 {
         const std::u16string_view text = NameOrDefault(name);
-        if (text.size() > kMaxValueName) {
-            return kErrorInvalidParameter;
-        }
-        return operation(store, id, text, FoldedName(text));
+        return text.size() <= kMaxValueName ? operation(store, base.m_id, text)
+                                            : kErrorInvalidParameter;
     });
 }
 
 // A predefined key has no place to keep a walk in: each step starts afresh.
-KeyWalk* WalkOf(HKEY key, KeyWalk& fresh) noexcept {
-    return IsPredefined(key) ? &fresh : &key->m_walk;
+KeyWalk& WalkOf(HKEY key, KeyWalk& fresh) noexcept {
+    return IsPredefined(key) ? fresh : key->m_walk;
 }
 
-u32 NextKey(RegistryStore& store, i64 id, u32 index, KeyWalk& walk, char16_t* name, u32* length) {
-    if (index < walk.m_nextKey) {
-        walk.m_nextKey = 0;
-        walk.m_lastKey.clear();
+u32 FindFromMemory(const KeyReference& base, const char16_t* path, u32 access, i64& id) noexcept {
+    FoldedText folded;
+    if ((access & kWriteRights) != 0 || !folded.SetPath(path)) {
+        return kNotRemembered;
     }
-    for (;;) {
-        Query query(store, Statement::kNextChild);
-        query.Bind(1, id).Bind(2, walk.m_lastKey);
-        if (!query.Step()) {
-            return MissingOrDeleted(store, id, kErrorNoMoreItems);
-        }
-        std::string passed(query.Blob(0));
-        std::swap(walk.m_lastKey, passed);
-        if (walk.m_nextKey++ == index) {
-            if (!IsStoredComponent(query.Blob(1))) {
-                ThrowDamaged();
-            }
-            return CopyStoredName(query.Blob(1), name, *length, length) ? kErrorSuccess
-                                                                        : kErrorMoreData;
-        }
-    }
+    return AskMemory(base, [&](const RegistryCache& cache) {
+        return OpenRemembered(cache, base.m_id, folded.Get(), id);
+    });
 }
 
-u32 CopyNamedValue(Query& query, char16_t* name, u32* length, const ValueTarget& target) {
-    const bool fits = CopyStoredName(query.Blob(1), name, *length, length);
-    const u32 error = CopyValue(query, 2, target);
-    return fits ? error : static_cast<u32>(kErrorMoreData);
+u32 QueryFromMemory(const KeyReference& key, std::u16string_view name,
+                    const ValueTarget& target) noexcept {
+    FoldedText folded;
+    if (!folded.SetName(name)) {
+        return kNotRemembered;
+    }
+    return AskMemory(key, [&](const RegistryCache& cache) {
+        return ReadRemembered(cache, key.m_id, folded.Get(), target);
+    });
 }
 
-u32 NextValue(RegistryStore& store, i64 id, u32 index, KeyWalk& walk, char16_t* name, u32* length,
-              const ValueTarget& target) {
-    if (index < walk.m_nextValue) {
-        walk.m_nextValue = 0;
-        walk.m_lastValue = 0;
+u32 ReadFromMemory(const KeyReference& base, const char16_t* path, std::u16string_view name,
+                   const ValueTarget& target) noexcept {
+    FoldedText foldedPath;
+    FoldedText foldedName;
+    if (!foldedPath.SetPath(path) || !foldedName.SetName(name)) {
+        return kNotRemembered;
     }
-    for (;;) {
-        Query query(store, Statement::kNextValue);
-        query.Bind(1, id).Bind(2, walk.m_lastValue);
-        if (!query.Step()) {
-            return MissingOrDeleted(store, id, kErrorNoMoreItems);
-        }
-        walk.m_lastValue = query.Integer(0);
-        if (walk.m_nextValue++ == index) {
-            return CopyNamedValue(query, name, length, target);
-        }
-    }
+    return AskMemory(base, [&](const RegistryCache& cache) {
+        i64 id;
+        const u32 error = OpenRemembered(cache, base.m_id, foldedPath.Get(), id);
+        return error != kErrorSuccess ? error
+                                      : ReadRemembered(cache, id, foldedName.Get(), target);
+    });
 }
 
 }  // namespace
@@ -377,8 +270,14 @@ u32 RegOpenKeyExW(HKEY key, const char16_t* path, u32, u32 access, HKEY* opened)
     if (!FindBase(key, access, base)) {
         return kErrorInvalidHandle;
     }
+    i64 id;
+    if (FindFromMemory(base, path, access, id) == kErrorSuccess) {
+        const u32 incarnation = StoreOf(base.m_store).Incarnation();
+        *opened = new (std::nothrow)
+            RegistryKey{.m_reference = {id, base.m_store, access, incarnation}, .m_walk = {}};
+        return *opened != nullptr ? kErrorSuccess : kErrorOutOfMemory;
+    }
     return RunForKey(base.m_store, opened, [&](RegistryStore& store, OwnedKey& made) -> u32 {
-        i64 id;
         const u32 error = OpenExisting(store, base, path, access, id);
         if (error == kErrorSuccess) {
             made = NewKey(id, base, access, store);
@@ -395,14 +294,9 @@ u32 RegCreateKeyExW(HKEY key, const char16_t* path, u32, const char16_t*, u32, u
     }
     return RunForKey(base.m_store, opened, [&](RegistryStore& store, OwnedKey& made) -> u32 {
         i64 id;
-        u32 error = OpenExisting(store, base, path, access, id);
-        const bool missing = error == kErrorFileNotFound;
-        if (missing) {
-            error = CreateKey(store, base, path, id);
-        }
+        const u32 error = OpenOrCreate(store, base, path, id, *disposition);
         if (error == kErrorSuccess) {
             made = NewKey(id, base, access, store);
-            *disposition = missing ? kCreatedNewKey : kOpenedExistingKey;
         }
         return error;
     });
@@ -420,17 +314,45 @@ u32 RegCloseKey(HKEY key) noexcept {
 
 u32 RegQueryValueExW(HKEY key, const char16_t* name, u32*, u32* type, void* data,
                      u32* size) noexcept {
-    if (data != nullptr && size == nullptr) {
-        return kErrorInvalidParameter;
+    const std::u16string_view text = NameOrDefault(name);
+    const ValueTarget target{type, data, size};
+    if (const u32 error = CheckValue(text, target)) {
+        return error;
     }
-    return RunOnValue(
-        key, name, kKeyQueryValue,
-        [&](RegistryStore& store, i64 id, std::u16string_view, const std::string& folded) -> u32 {
-            Query query(store, Statement::kReadValue);
-            query.Bind(1, id).Bind(2, folded);
-            return query.Step() ? CopyValue(query, 0, {type, data, size})
-                                : MissingOrDeleted(store, id, kErrorFileNotFound);
-        });
+    KeyReference base;
+    if (const u32 error = FindKeyReference(key, kKeyQueryValue, base)) {
+        return error;
+    }
+    const u32 error = QueryFromMemory(base, text, target);
+    return error != kNotRemembered ? error
+                                   : RunOnKey(base, kKeyQueryValue, [&](RegistryStore& store) {
+                                         return ReadValue(store, base.m_id, text, target);
+                                     });
+}
+
+u32 ReadRegistryValue(HKEY key, const char16_t* path, u32 view, const char16_t* name, u32* type,
+                      void* data, u32* size) noexcept {
+    KeyReference base;
+    if (!FindBase(key, view, base)) {
+        return kErrorInvalidHandle;
+    }
+    const std::u16string_view text = NameOrDefault(name);
+    const ValueTarget target{type, data, size};
+    const u32 invalid = CheckValue(text, target);
+    if (invalid == kErrorSuccess) {
+        const u32 error = ReadFromMemory(base, path, text, target);
+        if (error != kNotRemembered) {
+            return error;
+        }
+    }
+    return RunOnStore(base.m_store, [&](RegistryStore& store) -> u32 {
+        i64 id;
+        const u32 error = OpenExisting(store, base, path, kKeyRead, id);
+        if (error != kErrorSuccess || invalid != kErrorSuccess) {
+            return error != kErrorSuccess ? error : invalid;
+        }
+        return ReadValue(store, id, text, target);
+    });
 }
 
 u32 RegSetValueExW(HKEY key, const char16_t* name, u32, u32 type, const void* data,
@@ -438,22 +360,28 @@ u32 RegSetValueExW(HKEY key, const char16_t* name, u32, u32 type, const void* da
     if (data == nullptr && size != 0) {
         return kErrorInvalidParameter;
     }
-    const std::string_view bytes(static_cast<const char*>(data), size);
-    return RunOnValue(key, name, kKeySetValue,
-                      [&](RegistryStore& store, i64 id, std::u16string_view text,
-                          const std::string& folded) -> u32 {
-                          store.OpenForWriting();
-                          const std::string spelled = StoredName(text);
-                          Query(store, Statement::kWriteValue)
-                              .Bind(1, id)
-                              .Bind(2, folded)
-                              .Bind(3, spelled)
-                              .Bind(4, i64{type})
-                              .Bind(5, bytes)
-                              .Step();
-                          return ::sqlite3_changes(store.Database()) != 0 ? kErrorSuccess
-                                                                          : kErrorKeyDeleted;
-                      });
+    return RunOnValue(key, name, [&](RegistryStore& store, i64 id, std::u16string_view text) {
+        return WriteValue(store, id, text, type, {static_cast<const char*>(data), size});
+    });
+}
+
+u32 WriteRegistryValue(HKEY key, const char16_t* path, u32 view, const SECURITY_ATTRIBUTES*,
+                       const char16_t* name, u32 type, const void* data, u32 size) noexcept {
+    KeyReference base;
+    if (!FindBase(key, view, base)) {
+        return kErrorInvalidHandle;
+    }
+    const std::u16string_view text = NameOrDefault(name);
+    const bool valid = (data != nullptr || size == 0) && text.size() <= kMaxValueName;
+    return RunOnStore(base.m_store, [&](RegistryStore& store) -> u32 {
+        i64 id;
+        u32 disposition;
+        const u32 error = OpenOrCreate(store, base, path, id, disposition);
+        if (error != kErrorSuccess || !valid) {
+            return error != kErrorSuccess ? error : kErrorInvalidParameter;
+        }
+        return WriteValue(store, id, text, type, {static_cast<const char*>(data), size});
+    });
 }
 
 u32 RegDeleteKeyExW(HKEY key, const char16_t* path, u32 view, u32) noexcept {
@@ -472,38 +400,53 @@ u32 RegDeleteKeyExW(HKEY key, const char16_t* path, u32 view, u32) noexcept {
 }
 
 u32 RegDeleteValueW(HKEY key, const char16_t* name) noexcept {
-    return RunOnValue(
-        key, name, kKeySetValue,
-        [&](RegistryStore& store, i64 id, std::u16string_view, const std::string& folded) -> u32 {
-            store.OpenForWriting();
-            Query(store, Statement::kDeleteValue).Bind(1, id).Bind(2, folded).Step();
-            return ::sqlite3_changes(store.Database()) != 0
-                       ? kErrorSuccess
-                       : MissingOrDeleted(store, id, kErrorFileNotFound);
-        });
+    return RunOnValue(key, name, DeleteValue);
 }
 
 u32 RegEnumKeyExW(HKEY key, u32 index, char16_t* name, u32* length, u32*, char16_t*, u32*,
                   FILETIME* written) noexcept {
-    return RunOnKey(key, kKeyEnumerateSubKeys, [&](RegistryStore& store, i64 id) -> u32 {
-        KeyWalk fresh;
-        const u32 error = NextKey(store, id, index, *WalkOf(key, fresh), name, length);
-        if (error == kErrorSuccess && written != nullptr) {
-            *written = {};
-        }
+    KeyReference base;
+    if (const u32 error = FindKeyReference(key, kKeyEnumerateSubKeys, base)) {
         return error;
+    }
+    KeyWalk fresh;
+    KeyWalk& walk = WalkOf(key, fresh);
+    const NameTarget target{name, length};
+    u32 error = AskMemory(base, [&](const RegistryCache& cache) {
+        return NextRememberedKey(cache, base.m_id, index, walk, target);
     });
+    if (error == kNotRemembered) {
+        error = RunOnKey(base, kKeyEnumerateSubKeys, [&](RegistryStore& store) {
+            return NextKey(store, base.m_id, index, walk, target);
+        });
+    }
+    if (error == kErrorSuccess && written != nullptr) {
+        *written = {};
+    }
+    return error;
 }
 
 u32 RegEnumValueW(HKEY key, u32 index, char16_t* name, u32* length, u32*, u32* type, void* data,
                   u32* size) noexcept {
-    if (data != nullptr && size == nullptr) {
-        return kErrorInvalidParameter;
+    const ValueTarget value{type, data, size};
+    if (const u32 error = CheckValue({}, value)) {
+        return error;
     }
-    return RunOnKey(key, kKeyQueryValue, [&](RegistryStore& store, i64 id) -> u32 {
-        KeyWalk fresh;
-        return NextValue(store, id, index, *WalkOf(key, fresh), name, length, {type, data, size});
+    KeyReference base;
+    if (const u32 error = FindKeyReference(key, kKeyQueryValue, base)) {
+        return error;
+    }
+    KeyWalk fresh;
+    KeyWalk& walk = WalkOf(key, fresh);
+    const NameTarget target{name, length};
+    const u32 error = AskMemory(base, [&](const RegistryCache& cache) {
+        return NextRememberedValue(cache, base.m_id, index, walk, target, value);
     });
+    return error != kNotRemembered
+               ? error
+               : RunOnKey(base, kKeyQueryValue, [&](RegistryStore& store) {
+                     return NextValue(store, base.m_id, index, walk, target, value);
+                 });
 }
 
 }  // namespace platform

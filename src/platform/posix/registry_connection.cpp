@@ -30,6 +30,8 @@ constexpr std::array<const char*, kStatementCount> kTexts{
     " ON CONFLICT(key, folded) DO UPDATE SET type=excluded.type, data=excluded.data",
     "SELECT id, name, type, data FROM vals WHERE key=?1 AND id>?2 ORDER BY id LIMIT 1",
     "DELETE FROM vals WHERE key=?1 AND folded=?2",
+    "SELECT folded, name FROM keys WHERE parent=?1 ORDER BY folded",
+    "SELECT id, folded, name, type, data FROM vals WHERE key=?1 AND id>0 ORDER BY id",
 };
 
 // The published layout of the index: the writers' lock, the first piece of its mapping, and where
@@ -53,6 +55,14 @@ template <typename Number>
 Number NumberAt(const volatile void* start, std::size_t offset) noexcept {
     return *reinterpret_cast<const volatile Number*>(static_cast<const volatile char*>(start) +
                                                      offset);
+}
+
+// Null if it cannot be had.
+volatile void* MappedIndex(sqlite3* database) noexcept {
+    sqlite3_file* const file = FileOf(database);
+    volatile void* index = nullptr;
+    const int status = file->pMethods->xShmMap(file, 0, kIndexPiece, 0, &index);
+    return status == SQLITE_OK ? index : nullptr;
 }
 
 // What the index says that the log must hold.
@@ -190,6 +200,7 @@ void StoreConnection::Settle() {
     const bool logged = !m_snapshot && UseLog(Database());
     if (logged) {
         m_index = FileWatch(m_paths.m_index);
+        m_index.IsWhole();  // takes its length
     }
     const StoreFiles now = LookAt(m_paths);
     const auto stayed = [](const FileState& before, const FileState& after) {
@@ -241,10 +252,18 @@ bool StoreConnection::Fits(const StoreFiles& now) noexcept {
 // A log that the index knows more of than there is was cut, or was begun anew between the two
 // looks.
 bool StoreConnection::LogIsWhole(const FileState& log) noexcept {
-    sqlite3_file* const file = FileOf(Database());
-    volatile void* index = nullptr;
-    const int status = file->pMethods->xShmMap(file, 0, kIndexPiece, 0, &index);
-    return status != SQLITE_OK || index == nullptr || log.m_size >= LogSizeBy(index);
+    const volatile void* const index = MappedIndex(Database());
+    return index == nullptr || log.m_size >= LogSizeBy(index);
+}
+
+IndexState StoreConnection::Index() const noexcept {
+    IndexState state{};
+    if (const volatile void* const index = m_logged ? MappedIndex(Database()) : nullptr) {
+        for (std::size_t i = 0; i < state.m_words.size(); ++i) {
+            state.m_words[i] = NumberAt<u32>(index, i * sizeof(u32));
+        }
+    }
+    return state;
 }
 
 // The log first: whoever opened the new database with the old log and without its index would put

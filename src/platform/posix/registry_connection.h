@@ -30,8 +30,10 @@ enum class Statement : u8 {
     kWriteValue,
     kNextValue,
     kDeleteValue,
+    kAllKeys,
+    kAllValues,
 };
-inline constexpr std::size_t kStatementCount = 14;
+inline constexpr std::size_t kStatementCount = 16;
 
 // The rights with which a thread acts at present.
 struct EffectiveIds {
@@ -40,6 +42,14 @@ struct EffectiveIds {
 
     static EffectiveIds Now() noexcept;
     bool operator==(const EffectiveIds&) const = default;
+};
+
+// The head of the log's index, which no transaction leaves as it was.
+struct IndexState {
+    std::array<u32, 12> m_words;
+
+    bool operator==(const IndexState&) const = default;
+    u32 Changes() const noexcept { return m_words[2]; }
 };
 
 // Ends a statement that does not end. No statement on a store that is whole comes near the limit.
@@ -85,6 +95,12 @@ class StoreConnection {
     sqlite3_stmt* Prepared(Statement which);
     bool IsReadOnly() const noexcept { return ::sqlite3_db_readonly(Database(), "main") == 1; }
     const FileState& File() const noexcept { return m_files.m_database; }
+    const StorePaths& Paths() const noexcept { return m_paths; }
+    const EffectiveIds& Owner() const noexcept { return m_owner; }
+
+    // Without an index nothing tells of changes. To be asked for on a connection that is safe.
+    bool HasIndex() const noexcept { return m_logged; }
+    IndexState Index() const noexcept;
 
     // The connection was made with other rights than the thread has now.
     bool BelongsToOthers() const noexcept { return m_owner != EffectiveIds::Now(); }

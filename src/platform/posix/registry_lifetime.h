@@ -12,6 +12,9 @@ void CloseRegistryStores() noexcept;
 void CloseRegistryStoresForFork() noexcept;
 void FreeRegistryStoresAfterFork() noexcept;
 
+// To be called in the child: other threads' looks at what is remembered ended with them.
+void ForgetInheritedRegistryUsers() noexcept;
+
 }  // namespace platform
 
 #endif

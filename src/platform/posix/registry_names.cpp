@@ -2,6 +2,8 @@
 
 #include <unicode/uchar.h>
 
+#include <algorithm>
+
 namespace platform {
 namespace {
 
@@ -36,12 +38,27 @@ void AppendFolded(std::string& stored, std::u16string_view name) {
 
 }  // namespace
 
+void AssignStoredName(std::string& stored, std::u16string_view units) {
+    stored.clear();
+    for (const char16_t unit : units) {
+        AppendUnit(stored, unit);
+    }
+}
+
+int CompareWithStored(std::u16string_view units, std::string_view stored) noexcept {
+    const std::size_t common = std::min(units.size(), stored.size() / 2);
+    for (std::size_t i = 0; i < common; ++i) {
+        if (const int difference = units[i] - UnitAt(stored, 2 * i)) {
+            return difference;
+        }
+    }
+    return 2 * units.size() < stored.size() ? -1 : 2 * units.size() > stored.size();
+}
+
 std::string StoredName(std::u16string_view name) {
     std::string stored;
     stored.reserve(2 * name.size());
-    for (const char16_t unit : name) {
-        AppendUnit(stored, unit);
-    }
+    AssignStoredName(stored, name);
     return stored;
 }
 
@@ -62,14 +79,18 @@ bool IsStoredComponent(std::string_view stored) noexcept {
     return !stored.empty() && stored.size() % 2 == 0 && stored.size() / 2 <= kMaxKeyName;
 }
 
+void UnitsOfStoredName(std::string_view stored, char16_t* units) noexcept {
+    for (std::size_t i = 0; i + 1 < stored.size(); i += 2) {
+        *units++ = UnitAt(stored, i);
+    }
+}
+
 bool CopyStoredName(std::string_view stored, char16_t* target, u32 capacity, u32* length) noexcept {
     const std::size_t units = stored.size() / 2;
     if (units >= capacity) {
         return false;
     }
-    for (std::size_t i = 0; i < units; ++i) {
-        target[i] = UnitAt(stored, 2 * i);
-    }
+    UnitsOfStoredName(stored, target);
     target[units] = 0;
     *length = static_cast<u32>(units);
     return true;
@@ -102,6 +123,32 @@ bool AppendFoldedPath(std::string& path, const char16_t* more) {
             return false;
         }
         AppendFoldedComponent(path, component);
+    }
+    return true;
+}
+
+bool FoldedText::Add(std::u16string_view name) noexcept {
+    if (name.size() > kMost - m_length) {
+        return false;
+    }
+    for (const char16_t unit : name) {
+        m_units[m_length++] = FoldUnit(unit);
+    }
+    return true;
+}
+
+bool FoldedText::SetName(std::u16string_view name) noexcept {
+    m_length = 0;
+    return Add(name);
+}
+
+bool FoldedText::SetPath(const char16_t* path) noexcept {
+    m_length = 0;
+    std::u16string_view component;
+    while (TakeComponent(path, component)) {
+        if (component.size() > kMaxKeyName || (m_length != 0 && !Add(u"\\")) || !Add(component)) {
+            return false;
+        }
     }
     return true;
 }

@@ -21,6 +21,14 @@ std::string FoldedName(std::u16string_view name);
 // written, if they do not fit.
 bool CopyStoredName(std::string_view stored, char16_t* target, u32 capacity, u32* length) noexcept;
 
+// The units of a stored name, without a terminator.
+void UnitsOfStoredName(std::string_view stored, char16_t* units) noexcept;
+
+// The stored form of units, in the text's own memory if that is large enough; and less than, equal
+// to or greater than 0 as the units come before, with or behind a stored name.
+void AssignStoredName(std::string& stored, std::u16string_view units);
+int CompareWithStored(std::u16string_view units, std::string_view stored) noexcept;
+
 // Whether a stored name can be a component of a path.
 bool IsStoredComponent(std::string_view stored) noexcept;
 
@@ -37,6 +45,25 @@ void AppendFoldedComponent(std::string& path, std::u16string_view component);
 
 // Lengthens a folded path by a whole path. False if a component is too long to exist.
 bool AppendFoldedPath(std::string& path, const char16_t* more);
+
+// A folded name, or a folded path without the separators that mean nothing, in the processor's own
+// order of bytes. For names of a usual length; nothing is allocated.
+class FoldedText {
+  public:
+    // False for a name that is too long, or null.
+    bool SetName(std::u16string_view name) noexcept;
+    bool SetPath(const char16_t* path) noexcept;
+
+    std::u16string_view Get() const noexcept { return {m_units, m_length}; }
+
+  private:
+    static constexpr std::size_t kMost = 1024;
+
+    bool Add(std::u16string_view name) noexcept;
+
+    std::size_t m_length = 0;
+    char16_t m_units[kMost];
+};
 
 }  // namespace platform
 

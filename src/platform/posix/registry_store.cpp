@@ -1,13 +1,12 @@
 #include "registry_store.h"
 
-#include <time.h>
-
 #include <memory>
 #include <utility>
 
 #include "platform/errors.h"
 #include "registry_lifetime.h"
 #include "registry_vfs.h"
+#include "registry_word_guard.h"
 
 namespace platform {
 namespace {
@@ -44,16 +43,6 @@ void RegistryStore::ForgetLocation() noexcept {
     delete std::exchange(m_location, nullptr);
 }
 
-bool RegistryStore::IsTimeToLook(Purpose purpose) noexcept {
-    timespec now;
-    ::clock_gettime(CLOCK_MONOTONIC_COARSE, &now);
-    if (purpose == Purpose::kRead && now.tv_sec == m_lastLook) {
-        return false;
-    }
-    m_lastLook = now.tv_sec;
-    return true;
-}
-
 // The user's own store is another one for another user.
 void RegistryStore::DropUnlessUsable(Purpose purpose) {
     if (m_connection == nullptr) {
@@ -62,15 +51,24 @@ void RegistryStore::DropUnlessUsable(Purpose purpose) {
     if (m_connection->BelongsToOthers()) {
         Close();
         ForgetLocation();
-    } else if (!m_connection->IsSafe() || (IsTimeToLook(purpose) && !m_connection->IsInPlace())) {
+        return;
+    }
+    const bool newSecond = m_memory.IsTimeToLook();
+    const bool looks = newSecond || purpose == Purpose::kWrite;
+    if (!(looks ? m_connection->IsInPlace() : m_connection->IsSafe())) {
         Follow();
+    } else if (newSecond) {
+        m_memory.Look(*m_connection);
     }
 }
 
 void RegistryStore::Follow() {
-    m_lastLook = 0;  // if this fails, the next operation tries again
+    m_memory.LookSoon();  // if this fails, the next operation tries again
+    MarkWrites(Database(), nullptr);
     m_connection->RemoveStaleFiles();
-    m_incarnation += !m_connection->IsToTheSameFile();
+    if (!m_connection->IsToTheSameFile()) {
+        NewIncarnation();
+    }
     Close();
 }
 
@@ -83,6 +81,8 @@ bool RegistryStore::IsThere() {
 
 bool RegistryStore::Connect(Purpose purpose) {
     auto connection = std::make_unique<StoreConnection>(Location().m_file);
+    m_memory.FollowFiles(*connection);
+    MarkWrites(connection->Database(), &m_memory.Word());
     StoreContent content = connection->Identify();
     if (content == StoreContent::kNothing) {
         if (purpose == Purpose::kRead) {
@@ -93,8 +93,12 @@ bool RegistryStore::Connect(Purpose purpose) {
     }
     ThrowIf(content != StoreContent::kRegistry, kErrorBadDatabase);
     connection->Settle();
-    m_incarnation += !connection->File().IsSameFile(m_lastFile);
+    if (!connection->File().IsSameFile(m_lastFile)) {
+        m_memory.Forget();
+        NewIncarnation();
+    }
     m_lastFile = connection->File();
+    m_memory.Look(*connection);
     m_connection = connection.release();
     return true;
 }
@@ -125,7 +129,7 @@ bool RegistryStore::MayHaveMoved() noexcept {
     if (m_connection == nullptr) {
         return false;
     }
-    m_lastLook = 0;
+    m_memory.LookSoon();
     try {
         return !m_connection->IsInPlace();
     } catch (const StoreFailure&) {
@@ -134,6 +138,11 @@ bool RegistryStore::MayHaveMoved() noexcept {
 }
 
 void RegistryStore::Close() noexcept {
+    m_memory.Forget();
+    CloseForFork();
+}
+
+void RegistryStore::CloseForFork() noexcept {
     delete std::exchange(m_connection, nullptr);
 }
 
@@ -142,6 +151,7 @@ void RegistryStore::CloseForGood() noexcept {
         m_connection->WriteBack();
     }
     Close();
+    m_memory.Release();
     ForgetLocation();
 }
 
@@ -154,13 +164,14 @@ void CloseRegistryStores() noexcept {
         store.CloseForGood();
     }
     ForgetStoreVfs();
+    ReleaseGuardedPages();
 }
 
 void CloseRegistryStoresForFork() noexcept {
     const ErrnoKeeper keepErrno;
     for (RegistryStore& store : s_stores) {
         store.Enter();
-        store.Close();
+        store.CloseForFork();
     }
     s_forkUnderWay = true;
 }
@@ -169,6 +180,12 @@ void FreeRegistryStoresAfterFork() noexcept {
     s_forkUnderWay = false;
     for (RegistryStore& store : s_stores) {
         store.Leave();
+    }
+}
+
+void ForgetInheritedRegistryUsers() noexcept {
+    for (RegistryStore& store : s_stores) {
+        store.Memory().Cache().ForgetUsers(MemoryUse::OfThisThread(store.Number()));
     }
 }
 

@@ -8,6 +8,7 @@
 #include "registry_connection.h"
 #include "registry_failure.h"
 #include "registry_location.h"
+#include "registry_memory.h"
 
 namespace platform {
 
@@ -42,7 +43,13 @@ class RegistryStore {
     }
 
     // Changes when another file has taken the store's place: numbers of keys mean nothing there.
-    u32 Incarnation() const noexcept { return m_incarnation; }
+    // May be asked for without the lock.
+    u32 Incarnation() const noexcept { return m_incarnation.load(std::memory_order_relaxed); }
+
+    // What the process remembers of the store, which in parts is used without the lock.
+    StoreMemory& Memory() noexcept { return m_memory; }
+    StoreNumber Number() const noexcept { return m_number; }
+    StoreConnection& Connection() const noexcept { return *m_connection; }
 
     sqlite3_stmt* Prepared(Statement which) { return m_connection->Prepared(which); }
     sqlite3* Database() const noexcept { return m_connection->Database(); }
@@ -52,6 +59,8 @@ class RegistryStore {
 
     // Leaves the log for the next connection.
     void Close() noexcept;
+    // The same where the store is to be used on as it is.
+    void CloseForFork() noexcept;
     // Writes the log back, if it may, and forgets the place.
     void CloseForGood() noexcept;
 
@@ -59,7 +68,7 @@ class RegistryStore {
     bool Connect(Purpose purpose);
     void DropUnlessUsable(Purpose purpose);
     void Follow();
-    bool IsTimeToLook(Purpose purpose) noexcept;
+    void NewIncarnation() noexcept { m_incarnation.fetch_add(1, std::memory_order_relaxed); }
     bool IsThere();
     const StoreLocation& Location();
     void ForgetLocation() noexcept;
@@ -68,8 +77,8 @@ class RegistryStore {
     StoreLocation* m_location = nullptr;
     StoreConnection* m_connection = nullptr;
     FileState m_lastFile{};  // what the last connection was to
-    time_t m_lastLook = 0;
-    u32 m_incarnation = 0;
+    std::atomic<u32> m_incarnation{0};
+    StoreMemory m_memory;
     StoreNumber m_number;
 };
 

@@ -1,14 +1,30 @@
-// SQLite's way to the system, with one change: it does not sleep.
+// SQLite's way to the system, with three changes: it does not sleep, it tells of the write lock,
+// and it can go without file locks.
 #ifndef QX_PLATFORM_POSIX_REGISTRY_VFS_H
 #define QX_PLATFORM_POSIX_REGISTRY_VFS_H
 
+#include <sqlite3.h>
+
 namespace platform {
 
-// The name under which to open a database. When other processes are in its way SQLite sleeps for
-// up to ten seconds before it says so, behind the store's lock and in the way of a fork. Opened
-// like this it says so at once, and the operation waits where it holds nothing.
-// Throws StoreFailure.
-const char* StoreVfsName();
+class StoreWord;
+
+enum class StoreVfs {
+    // When other processes are in its way SQLite sleeps for up to ten seconds before it says so,
+    // behind the store's lock and in the way of a fork. Opened like this it says so at once, and the
+    // operation waits where it holds nothing.
+    kLocking,
+    // Takes no lock on the database, so that nobody else's is in its way. SQLite itself still keeps
+    // account of the file's descriptors: to close one drops the locks of the whole process.
+    kUnlocked,
+};
+
+// The name under which to open a database. Throws StoreFailure.
+const char* StoreVfsName(StoreVfs which = StoreVfs::kLocking);
+
+// From here on each transaction of a connection that writes is marked by a word: begun once SQLite
+// holds the write lock, and ended before it lets it go. Null ends that.
+void MarkWrites(sqlite3* database, StoreWord* word) noexcept;
 
 // SQLite outlives the library.
 void ForgetStoreVfs() noexcept;

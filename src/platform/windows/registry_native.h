@@ -38,6 +38,31 @@ inline u32 RegSetValueExW(HKEY key, const char16_t* name, u32 reserved, u32 type
         ::RegSetValueExW(key, Native(name), reserved, type, static_cast<const BYTE*>(data), size));
 }
 
+inline u32 ReadRegistryValue(HKEY key, const char16_t* path, u32 view, const char16_t* name,
+                             u32* type, void* data, u32* size) noexcept {
+    HKEY opened;
+    u32 error = RegOpenKeyExW(key, path, 0, KEY_READ | view, &opened);
+    if (error == ERROR_SUCCESS) {
+        error = RegQueryValueExW(opened, name, nullptr, type, data, size);
+        RegCloseKey(opened);
+    }
+    return error;
+}
+
+inline u32 WriteRegistryValue(HKEY key, const char16_t* path, u32 view,
+                              const SECURITY_ATTRIBUTES* attributes, const char16_t* name, u32 type,
+                              const void* data, u32 size) noexcept {
+    HKEY opened;
+    u32 disposition = 0;
+    u32 error = RegCreateKeyExW(key, path, 0, nullptr, 0, KEY_ALL_ACCESS | view, attributes,
+                                &opened, &disposition);
+    if (error == ERROR_SUCCESS) {
+        error = RegSetValueExW(opened, name, 0, type, data, size);
+        RegCloseKey(opened);
+    }
+    return error;
+}
+
 inline u32 RegDeleteKeyExW(HKEY key, const char16_t* path, u32 view, u32 reserved) noexcept {
     return static_cast<u32>(::RegDeleteKeyExW(key, Native(path), view, reserved));
 }
