@@ -12,6 +12,8 @@
 #include "registry_failure.h"
 #include "registry_location.h"
 #include "registry_schema.h"
+#include "registry_vfs.h"
+#include "registry_word.h"
 
 namespace {
 
@@ -222,8 +224,11 @@ void RestoreStore(Store store, const std::filesystem::path& file) {
     if (const auto error = platform::MakeStoreFile(location)) {
         Refuse(location.m_file, Reason({error, false}));
     }
+    platform::StoreWord word;  // all who use the store learn of it at once
     Persist(location.m_file, [&] {
         const auto live = Open(store, location);
+        word.Follow(live->Paths().m_database.c_str(), live->File().m_inode);
+        platform::MarkWrites(live->Database(), &word);
         SkipNumbers(live->Database(), copy.get());
         Replace(live->Database(), copy.get());
     });

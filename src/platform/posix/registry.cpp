@@ -137,8 +137,8 @@ std::u16string_view NameOrDefault(const char16_t* name) noexcept {
 }
 
 u32 CheckValue(std::u16string_view name, const ValueTarget& target) noexcept {
-    const bool valid = (target.m_data == nullptr || target.m_size != nullptr) &&
-                       name.size() <= kMaxValueName;
+    const bool valid =
+        (target.m_data == nullptr || target.m_size != nullptr) && name.size() <= kMaxValueName;
     return valid ? kErrorSuccess : kErrorInvalidParameter;
 }
 
@@ -258,8 +258,7 @@ u32 ReadFromMemory(const KeyReference& base, const char16_t* path, std::u16strin
     return AskMemory(base, [&](const RegistryCache& cache) {
         i64 id;
         const u32 error = OpenRemembered(cache, base.m_id, foldedPath.Get(), id);
-        return error != kErrorSuccess ? error
-                                      : ReadRemembered(cache, id, foldedName.Get(), target);
+        return error != kErrorSuccess ? error : ReadRemembered(cache, id, foldedName.Get(), target);
     });
 }
 

@@ -27,13 +27,13 @@ void* RegistryArena::Take(std::size_t size) noexcept {
 }
 
 bool RegistryArena::Grow(std::size_t size) noexcept {
-    const std::size_t wanted = std::max(RoundUp(size + sizeof(Piece), kFirstPiece),
-                                        std::max(kFirstPiece, m_taken));
+    const std::size_t wanted =
+        std::max(RoundUp(size + sizeof(Piece), kFirstPiece), std::max(kFirstPiece, m_taken));
     if (m_taken + wanted > kMost) {
         return false;
     }
-    void* const memory = ::mmap(nullptr, wanted, PROT_READ | PROT_WRITE,
-                                MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    void* const memory =
+        ::mmap(nullptr, wanted, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (memory == MAP_FAILED) {
         return false;
     }

@@ -63,7 +63,8 @@ const CacheEntry* RegistryCache::Find(CacheKind kind, i64 owner,
         return nullptr;
     }
     const u64 hash = HashOf(kind, owner, folded);
-    const CacheEntry* entry = table->m_buckets[hash & table->m_mask].load(std::memory_order_acquire);
+    const CacheEntry* entry =
+        table->m_buckets[hash & table->m_mask].load(std::memory_order_acquire);
     while (entry != nullptr && !Is(*entry, hash, kind, owner, folded)) {
         entry = entry->m_next.load(std::memory_order_acquire);
     }
@@ -108,14 +109,15 @@ CacheEntry* RegistryCache::NewEntry(CacheKind kind, i64 owner, std::u16string_vi
 
 CacheEntry* RegistryCache::New(const NewCacheEntry& from) noexcept {
     const std::size_t nameUnits = from.m_storedName.size() / 2;
-    CacheEntry* const entry = NewEntry(from.m_kind, from.m_owner, from.m_folded,
-                                       2 * nameUnits + from.m_data.size());
+    CacheEntry* const entry =
+        NewEntry(from.m_kind, from.m_owner, from.m_folded, 2 * nameUnits + from.m_data.size());
     if (entry != nullptr) {
         entry->m_number = from.m_number;
         entry->m_type = from.m_type;
         entry->m_nameUnits = static_cast<u32>(nameUnits);
         entry->m_size = static_cast<u32>(from.m_data.size());
-        UnitsOfStoredName(from.m_storedName, static_cast<char16_t*>(entry->Body()) + from.m_folded.size());
+        UnitsOfStoredName(from.m_storedName,
+                          static_cast<char16_t*>(entry->Body()) + from.m_folded.size());
         if (!from.m_data.empty()) {
             std::memcpy(const_cast<void*>(entry->Data()), from.m_data.data(), from.m_data.size());
         }

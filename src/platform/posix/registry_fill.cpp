@@ -34,8 +34,8 @@ class ListReader {
     }
 
     void Publish(CacheKind kind, bool complete) noexcept {
-        CacheEntry* const list = m_cache.NewList(kind, m_key, m_entries.data(),
-                                                 complete ? m_entries.size() : 0);
+        CacheEntry* const list =
+            m_cache.NewList(kind, m_key, m_entries.data(), complete ? m_entries.size() : 0);
         if (list == nullptr) {
             return;
         }
@@ -55,8 +55,8 @@ class ListReader {
         const std::string_view folded = row.Blob(foldedColumn);
         from.m_owner = m_key;
         from.m_storedName = row.Blob(foldedColumn + 1);
-        m_bytes += from.m_data.size() + from.m_storedName.size() + folded.size() +
-                   sizeof(CacheEntry);
+        m_bytes +=
+            from.m_data.size() + from.m_storedName.size() + folded.size() + sizeof(CacheEntry);
         if (m_bytes > RegistryCache::kMostList || from.m_data.size() > RegistryCache::kMostValue ||
             folded.size() % 2 != 0) {
             return false;

@@ -38,7 +38,8 @@ struct RegistryKey {
     KeyWalk m_walk;
 };
 
-inline constexpr u32 kWriteRights = 0xD0006;  // set a value, create a key, delete, change owner or list
+inline constexpr u32 kWriteRights =
+    0xD0006;  // set a value, create a key, delete, change owner or list
 
 inline bool IsRoot(i64 id) noexcept {
     return id <= kTreeUser;

@@ -174,8 +174,8 @@ std::size_t PlaceInList(const List& items, u32 place, IsPast&& isPast) noexcept 
         return place;
     }
     const auto isNotPast = [&](const CacheEntry* entry) { return !isPast(entry); };
-    return static_cast<std::size_t>(
-        std::partition_point(items.begin(), items.end(), isNotPast) - items.begin());
+    return static_cast<std::size_t>(std::partition_point(items.begin(), items.end(), isNotPast) -
+                                    items.begin());
 }
 
 // Goes on by as many entries as the index is ahead. Null behind the last one; then the walk stands
@@ -250,10 +250,9 @@ u32 NextRememberedValue(const RegistryCache& cache, i64 id, u32 index, KeyWalk& 
         return kNotRemembered;
     }
     RestartValuesIfBehind(walk, index);
-    const std::size_t from =
-        PlaceInList(items, walk.m_placeOfValue, [&walk](const CacheEntry* entry) {
-            return entry->m_number > walk.m_lastValue;
-        });
+    const std::size_t from = PlaceInList(
+        items, walk.m_placeOfValue,
+        [&walk](const CacheEntry* entry) { return entry->m_number > walk.m_lastValue; });
     const CacheEntry* const value =
         Advance(items, from, index, walk.m_nextValue, walk.m_placeOfValue);
     if (walk.m_placeOfValue != 0) {
@@ -275,9 +274,10 @@ u32 NextRememberedKey(const RegistryCache& cache, i64 id, u32 index, KeyWalk& wa
         return kNotRemembered;
     }
     RestartKeysIfBehind(walk, index);
-    const std::size_t from = PlaceInList(items, walk.m_placeOfKey, [&walk](const CacheEntry* entry) {
-        return CompareWithStored(entry->Folded(), walk.m_lastKey) > 0;
-    });
+    const std::size_t from =
+        PlaceInList(items, walk.m_placeOfKey, [&walk](const CacheEntry* entry) {
+            return CompareWithStored(entry->Folded(), walk.m_lastKey) > 0;
+        });
     const CacheEntry* const key = Advance(items, from, index, walk.m_nextKey, walk.m_placeOfKey);
     if (walk.m_placeOfKey > from) {
         AssignStoredName(walk.m_lastKey, items[walk.m_placeOfKey - 1]->Folded());
@@ -291,8 +291,7 @@ u32 NextRememberedKey(const RegistryCache& cache, i64 id, u32 index, KeyWalk& wa
 u32 FindKeyBelow(RegistryStore& store, const KeyReference& base, const char16_t* path, i64& id) {
     MemoryFill fill(store);
     FoldedText folded;
-    const bool canBeKept =
-        folded.SetPath(path) && IsOfThisStore(store, base);
+    const bool canBeKept = folded.SetPath(path) && IsOfThisStore(store, base);
     u32 error = canBeKept && fill ? OpenRemembered(fill.Cache(), base.m_id, folded.Get(), id)
                                   : kNotRemembered;
     if (error != kNotRemembered) {
@@ -311,8 +310,8 @@ u32 ReadValue(RegistryStore& store, i64 id, std::u16string_view name, const Valu
     MemoryFill fill(store);
     FoldedText folded;
     const bool canBeKept = folded.SetName(name);
-    const u32 error = canBeKept && fill ? ReadRemembered(fill.Cache(), id, folded.Get(), target)
-                                        : kNotRemembered;
+    const u32 error =
+        canBeKept && fill ? ReadRemembered(fill.Cache(), id, folded.Get(), target) : kNotRemembered;
     return error != kNotRemembered
                ? error
                : ReadStoredValue(store, id, name, target, fill, canBeKept ? &folded : nullptr);
@@ -331,8 +330,8 @@ u32 NextValue(RegistryStore& store, i64 id, u32 index, KeyWalk& walk, const Name
               const ValueTarget& target) {
     KeepValues(store, id, index);
     MemoryFill fill(store);
-    const u32 error = fill ? NextRememberedValue(fill.Cache(), id, index, walk, name, target)
-                           : kNotRemembered;
+    const u32 error =
+        fill ? NextRememberedValue(fill.Cache(), id, index, walk, name, target) : kNotRemembered;
     return error != kNotRemembered ? error : NextStoredValue(store, id, index, walk, name, target);
 }
 

@@ -67,8 +67,7 @@ void StoreMemory::FollowFiles(const StoreConnection& connection) noexcept {
 void StoreMemory::Look(const StoreConnection& connection) noexcept {
     NoteLook();
     FollowFiles(connection);
-    if (m_number.load(std::memory_order_relaxed) == m_word.Now() &&
-        connection.Index() != m_index) {
+    if (m_number.load(std::memory_order_relaxed) == m_word.Now() && connection.Index() != m_index) {
         Forget();
     }
     LearnRights(connection);
@@ -89,8 +88,7 @@ u64 StoreMemory::BeginReading(const StoreConnection& connection) noexcept {
     if (!StoreWord::IsAtRest(number) || !connection.HasIndex()) {
         return 0;
     }
-    const bool goesOn =
-        number == m_number.load(std::memory_order_relaxed) && !m_cache.IsOutlived();
+    const bool goesOn = number == m_number.load(std::memory_order_relaxed) && !m_cache.IsOutlived();
     return goesOn || StartAnew(number, connection.Index()) ? number : 0;
 }
 

@@ -30,7 +30,9 @@ class StoreMemory {
 
     // The rest is called with the store's lock held.
 
-    bool IsTimeToLook() const noexcept { return Second() != m_looked.load(std::memory_order_relaxed); }
+    bool IsTimeToLook() const noexcept {
+        return Second() != m_looked.load(std::memory_order_relaxed);
+    }
     void NoteLook() noexcept { m_looked.store(Second(), std::memory_order_relaxed); }
     void LookSoon() noexcept { m_looked.store(0, std::memory_order_relaxed); }
 

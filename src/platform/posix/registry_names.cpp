@@ -131,9 +131,17 @@ bool FoldedText::Add(std::u16string_view name) noexcept {
     if (name.size() > kMost - m_length) {
         return false;
     }
-    for (const char16_t unit : name) {
-        m_units[m_length++] = FoldUnit(unit);
+    char16_t* const target = m_units + m_length;
+    u32 seen = 0;
+    for (std::size_t i = 0; i < name.size(); ++i) {  // without a branch
+        const u32 unit = name[i];
+        seen |= unit;
+        target[i] = static_cast<char16_t>(unit - (unit - u'a' < 26 ? 0x20 : 0));
     }
+    if (seen >= 0x80) {
+        std::transform(name.begin(), name.end(), target, FoldUnit);
+    }
+    m_length += name.size();
     return true;
 }
 

@@ -34,8 +34,8 @@ constexpr std::size_t RoundUp(std::size_t size) noexcept {
 
 FileAddition& AdditionOf(sqlite3_file* file) noexcept {
     auto* const start = reinterpret_cast<std::byte*>(file);
-    return *reinterpret_cast<FileAddition*>(
-        start + RoundUp(static_cast<std::size_t>(s_system->szOsFile)));
+    return *reinterpret_cast<FileAddition*>(start +
+                                            RoundUp(static_cast<std::size_t>(s_system->szOsFile)));
 }
 
 int DoNotSleep(sqlite3_vfs*, int microseconds) {
@@ -79,8 +79,8 @@ int Open(sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int* ope
     if (status != SQLITE_OK || (flags & SQLITE_OPEN_MAIN_DB) == 0) {
         return status;
     }
-    FileAddition& addition = *::new (&AdditionOf(file)) FileAddition{file->pMethods, nullptr,
-                                                                     *file->pMethods};
+    FileAddition& addition =
+        *::new (&AdditionOf(file)) FileAddition{file->pMethods, nullptr, *file->pMethods};
     if (kWhich == static_cast<std::size_t>(StoreVfs::kUnlocked)) {
         addition.m_methods.xLock = DoNotLock;
         addition.m_methods.xUnlock = DoNotLock;

@@ -11,7 +11,8 @@ class StoreWord;
 
 enum class StoreVfs {
     // When other processes are in its way SQLite sleeps for up to ten seconds before it says so,
-    // behind the store's lock and in the way of a fork. Opened like this it says so at once, and the
+    // behind the store's lock and in the way of a fork. Opened like this it says so at once, and
+    // the
     // operation waits where it holds nothing.
     kLocking,
     // Takes no lock on the database, so that nobody else's is in its way. SQLite itself still keeps

@@ -34,9 +34,9 @@ static_assert(std::atomic<u64>::is_always_lock_free && sizeof(std::atomic<u64>) 
 // In nanoseconds; 0 where it cannot be told.
 i64 TimeOfBirth(const char* path, ino_t inode) noexcept {
     struct statx about;
-    const bool told = ::statx(AT_FDCWD, path, AT_SYMLINK_NOFOLLOW, STATX_INO | STATX_BTIME,
-                              &about) == 0 &&
-                      (about.stx_mask & STATX_BTIME) != 0 && about.stx_ino == inode;
+    const bool told =
+        ::statx(AT_FDCWD, path, AT_SYMLINK_NOFOLLOW, STATX_INO | STATX_BTIME, &about) == 0 &&
+        (about.stx_mask & STATX_BTIME) != 0 && about.stx_ino == inode;
     return told ? 1'000'000'000 * i64{about.stx_btime.tv_sec} + about.stx_btime.tv_nsec : 0;
 }
 
@@ -92,8 +92,8 @@ bool DatabaseIdentity::Find(const char* path) noexcept {
 
 bool StoreWord::IsAtItsPlace() const noexcept {
     struct stat status;
-    return m_inode != 0 && ::lstat(m_place, &status) == 0 &&
-           status.st_dev == m_device && status.st_ino == m_inode && IsMadeFor(m_identity, status);
+    return m_inode != 0 && ::lstat(m_place, &status) == 0 && status.st_dev == m_device &&
+           status.st_ino == m_inode && IsMadeFor(m_identity, status);
 }
 
 void StoreWord::SetPlaces(const char* database) noexcept {
@@ -190,8 +190,8 @@ void StoreWord::RetireFileInPlace() noexcept {
         OpenDescriptor(m_place, O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY);
     WordFile content;
     if (file && Read(file.Get(), content) && NamesIt(m_identity, content)) {
-        [[maybe_unused]] const ssize_t written = ::pwrite(
-            file.Get(), &kOddForEver, sizeof kOddForEver, offsetof(WordFile, m_word));
+        [[maybe_unused]] const ssize_t written =
+            ::pwrite(file.Get(), &kOddForEver, sizeof kOddForEver, offsetof(WordFile, m_word));
     }
 }
 
@@ -208,8 +208,8 @@ bool StoreWord::Make(const DatabaseIdentity& database) noexcept {
     content.m_born = database.m_born;
     ::sqlite3_randomness(sizeof content.m_word, &content.m_word);
     content.m_word = content.m_word >> 2 | kFirstNumber | 1;
-    if (WriteWhole(file.Get(), content) && GiveTo(database, file.Get()) &&
-        Map(file.Get(), true) && ::rename(m_newPlace, m_place) == 0) {
+    if (WriteWhole(file.Get(), content) && GiveTo(database, file.Get()) && Map(file.Get(), true) &&
+        ::rename(m_newPlace, m_place) == 0) {
         m_mine = content.m_word;
         return true;
     }
@@ -264,7 +264,8 @@ bool StoreWord::Mark() noexcept {
 
 void StoreWord::End() noexcept {
     u64 mine = std::exchange(m_mine, 0);
-    if (mine != 0 && m_word.load(std::memory_order_relaxed)->compare_exchange_strong(mine, mine + 1)) {
+    if (mine != 0 &&
+        m_word.load(std::memory_order_relaxed)->compare_exchange_strong(mine, mine + 1)) {
         m_after = mine + 1;
     }
 }

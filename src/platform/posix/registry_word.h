@@ -1,4 +1,5 @@
-// The word by which the processes that use a store know whether what they remember of it is current.
+// The word by which the processes that use a store know whether what they remember of it is
+// current.
 //
 // It stands in a small file of its own beside the database, mapped by all of them. A number that is
 // even means: every transaction that ever began to change the store has ended. An odd one means
@@ -87,8 +88,8 @@ class StoreWord {
         return Now() == number;
     }
 
-    // Names the database. False if another one was named before, or the word's file is no longer the
-    // one that is mapped: what is remembered is worth nothing then.
+    // Names the database. False if another one was named before, or the word's file is no longer
+    // the one that is mapped: what is remembered is worth nothing then.
     bool Follow(const char* database, ino_t inode) noexcept;
     void Detach() noexcept;
 

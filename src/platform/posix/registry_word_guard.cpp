@@ -17,7 +17,7 @@ namespace {
 constinit CRITICAL_SECTION s_lock{};
 constinit std::atomic<std::uintptr_t> s_pages[kStoreCount]{};
 constinit std::atomic<std::size_t> s_pageSize{0};
-constinit struct sigaction s_previous{};
+constinit struct sigaction s_previous {};
 constinit bool s_installed = false;
 
 // One system call: allowed in a handler.
@@ -71,8 +71,8 @@ bool InstallHandler() noexcept {
     ours.sa_flags = SA_SIGINFO | SA_ONSTACK | SA_RESTART;
     ::sigemptyset(&ours.sa_mask);
     // First the one that ours passes on to.
-    s_installed = ::sigaction(SIGBUS, nullptr, &s_previous) == 0 &&
-                  ::sigaction(SIGBUS, &ours, nullptr) == 0;
+    s_installed =
+        ::sigaction(SIGBUS, nullptr, &s_previous) == 0 && ::sigaction(SIGBUS, &ours, nullptr) == 0;
     return s_installed;
 }
 

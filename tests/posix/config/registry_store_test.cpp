@@ -7,12 +7,12 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
-#include <chrono>
 #include <fstream>
 #include <iterator>
 #include <thread>
 
 #include "config/registry_support.h"
+#include "posix/support/comes_true.h"
 #include "posix/support/forked_child.h"
 #include "support/allocation_fault.h"
 
@@ -156,19 +156,6 @@ TEST_F(RegistryStore, WorksOnBothSidesOfAForkWhileAThreadIsInside) {
     EXPECT_TRUE(busyOneSucceeds);
     EXPECT_EQ(Names(keys).size(), 2u);
     QXRegistryCloseEnum(keys);
-}
-
-// Within a time that is far longer than it should need.
-template <typename Condition>
-bool ComesTrue(Condition&& condition) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > end) {
-            return false;
-        }
-        ::sched_yield();
-    }
-    return true;
 }
 
 // The types that no function here can write, as another program may have written them.

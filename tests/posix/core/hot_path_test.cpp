@@ -4,14 +4,18 @@
 #include <linux/seccomp.h>
 #include <qxcore.h>
 #include <sys/prctl.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <cstddef>
+#include <cstdlib>
 #include <functional>
 #include <thread>
 
 #include "posix/support/forked_child.h"
+#include "support/system.h"
 
 namespace {
 
@@ -84,6 +88,26 @@ void UseConversions() {
     QXUnicodeToAnsi(narrow, wide, 128);
 }
 
+// What was read before is in the process's memory, absence and order included.
+void ReadRegistry() {
+    static QXHandle s_values = nullptr;
+    if (s_values == nullptr) {
+        QXRegistrySetValue(QX_HKEY_USER, u"hot\\key", u"value", QX_REG_BINARY, "text", 4);
+        QXRegistryOpenValueEnum(QX_HKEY_USER, u"hot\\key", &s_values);
+    }
+    char data[8];
+    uint32_t size = sizeof data;
+    if (QXRegistryGetValue(QX_HKEY_USER, u"Hot\\KEY", u"Value", nullptr, data, &size) != 0 ||
+        QXRegistryGetValue(QX_HKEY_USER, u"hot\\key", u"none", nullptr, data, &size) == 0 ||
+        QXRegistryGetValue(QX_HKEY_USER, u"none", u"value", nullptr, data, &size) == 0) {
+        std::abort();
+    }
+    char16_t name[8];
+    uint32_t length = 8;
+    uint32_t type = 0;
+    QXRegistryEnumNextValue(s_values, name, &length, &type, data, &size);
+}
+
 // The kernel's own strict mode would take the processor's clock away too, which a measured mutex
 // reads.
 bool AllowNothingButTheEnd() {
@@ -106,6 +130,35 @@ int EndsWithoutSystemCall(const std::function<void()>& action) {
     }
     action();
     return static_cast<int>(syscall(SYS_exit, 0));
+}
+
+// Once a second the library looks at its files.
+void WaitForTheBeginningOfASecond() {
+    timespec now;
+    do {
+        ::clock_gettime(CLOCK_MONOTONIC_COARSE, &now);
+    } while (now.tv_nsec > 200'000'000);
+}
+
+TEST(HotPaths, ReadTheRegistryWithoutASystemCall) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "the sanitizer makes system calls of its own";
+#endif
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "only root can become another user";
+    }
+    const OwnRegistry registry;
+    ::chmod(registry.Folder().c_str(), 0777);
+    ForkedChild ordinary([] {
+        constexpr uid_t kNobody = 65534;
+        if (::setgid(kNobody) != 0 || ::setuid(kNobody) != 0) {
+            return 1;
+        }
+        ReadRegistry();
+        WaitForTheBeginningOfASecond();
+        return EndsWithoutSystemCall(ReadRegistry);
+    });
+    EXPECT_EQ(0, ordinary.Wait());
 }
 
 TEST(HotPaths, MakeNoSystemCall) {
