@@ -9,10 +9,10 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cinttypes>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <iostream>
 #include <memory>
 #include <span>
@@ -177,12 +177,10 @@ void WriteAlong(const std::string& directory, const Numbers& numbers) {
 }
 
 int64_t ResidentBytes() {
-    int64_t pages = 0;
-    if (FILE* const file = std::fopen("/proc/self/statm", "r")) {
-        std::fscanf(file, "%*d %" SCNd64, &pages);
-        std::fclose(file);
-    }
-    return pages * ::sysconf(_SC_PAGESIZE);
+    int64_t mapped = 0;
+    int64_t resident = 0;
+    std::ifstream("/proc/self/statm") >> mapped >> resident;
+    return resident * ::sysconf(_SC_PAGESIZE);
 }
 
 template <typename Store>
@@ -355,6 +353,7 @@ void MemoryOfCache(benchmark::State& state) {
     for (auto _ : state) {
         bytes = std::stod(StartChild("Grow", Store::kName, directory, {values}).Read());
     }
+    state.counters["bytes"] = bytes;
     state.counters["bytes_a_value"] = bytes / values;
 }
 
@@ -429,7 +428,7 @@ constexpr Row kRows[] = {
          InOtherProcesses(row->ArgNames({"readers", "rest"})->ArgsProduct({{1, 2, 4, 8}, {0, 10}}));
      }},
     {"MemoryOfCache", MemoryOfCache<Store>, Offers::kReading,
-     [](Registered* row) { row->Arg(kValues)->Iterations(1); }},
+     [](Registered* row) { row->Arg(2 * kValues)->Arg(1'000'000)->Iterations(1); }},
     {"ColdProcess", ColdProcess<Store>, Offers::kReading,
      [](Registered* row) { row->UseManualTime()->Iterations(20); }},
     {"Growth", Growth<Store>, Offers::kReading,
