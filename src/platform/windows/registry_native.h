@@ -41,10 +41,10 @@ inline u32 RegSetValueExW(HKEY key, const char16_t* name, u32 reserved, u32 type
 inline u32 ReadRegistryValue(HKEY key, const char16_t* path, u32 view, const char16_t* name,
                              u32* type, void* data, u32* size) noexcept {
     HKEY opened;
-    u32 error = RegOpenKeyExW(key, path, 0, KEY_READ | view, &opened);
+    u32 error = platform::RegOpenKeyExW(key, path, 0, KEY_READ | view, &opened);
     if (error == ERROR_SUCCESS) {
-        error = RegQueryValueExW(opened, name, nullptr, type, data, size);
-        RegCloseKey(opened);
+        error = platform::RegQueryValueExW(opened, name, nullptr, type, data, size);
+        platform::RegCloseKey(opened);
     }
     return error;
 }
@@ -54,11 +54,11 @@ inline u32 WriteRegistryValue(HKEY key, const char16_t* path, u32 view,
                               const void* data, u32 size) noexcept {
     HKEY opened;
     u32 disposition = 0;
-    u32 error = RegCreateKeyExW(key, path, 0, nullptr, 0, KEY_ALL_ACCESS | view, attributes,
-                                &opened, &disposition);
+    u32 error = platform::RegCreateKeyExW(key, path, 0, nullptr, 0, KEY_ALL_ACCESS | view,
+                                          attributes, &opened, &disposition);
     if (error == ERROR_SUCCESS) {
-        error = RegSetValueExW(opened, name, 0, type, data, size);
-        RegCloseKey(opened);
+        error = platform::RegSetValueExW(opened, name, 0, type, data, size);
+        platform::RegCloseKey(opened);
     }
     return error;
 }
