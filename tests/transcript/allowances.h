@@ -117,33 +117,10 @@ inline constexpr size_t kLongestValueName = 16383;
 
 // Wine lists keys in the order of their lower case, others in that of their upper case. These stand
 // in one order by either.
-inline constexpr const wchar* kKeysInOneOrderByEitherCase[] = {u"",
-                                                               u"\\a",
-                                                               u"\\A",
-                                                               u"\\b",
-                                                               u"\\a\\b",
-                                                               u"\\A\\B\\c",
-                                                               u"\\a\\b\\C\\d",
-                                                               u"\\b_",
-                                                               u"\\B1",
-                                                               u"\\a\\",
-                                                               u"\\a\\\\b",
-                                                               u"\\x/y",
-                                                               u"\\ ",
-                                                               u"\\.",
-                                                               u"\\\u00E4",
-                                                               u"\\\u00C4",
-                                                               u"\\i",
-                                                               u"\\I",
-                                                               u"\\\u0131",
-                                                               u"\\\u0130",
-                                                               u"\\\u03C3",
-                                                               u"\\\u03A3",
-                                                               u"\\\u0436",
-                                                               u"\\\u0416",
-                                                               u"\\\U00010400",
-                                                               u"\\\U00010428",
-                                                               u"\\no such key"};
+inline constexpr std::u16string_view kKeysInOneOrderByEitherCase =
+    u"|\\a|\\A|\\b|\\a\\b|\\A\\B\\c|\\a\\b\\C\\d|\\b_|\\B1|\\a\\|\\a\\\\b|\\x/y|\\ |\\.|\\\u00E4|"
+    u"\\\u00C4|\\i|\\I|\\\u0131|\\\u0130|\\\u03C3|\\\u03A3|\\\u0436|\\\u0416|\\\U00010400|"
+    u"\\\U00010428|\\no such key";
 
 // An enumeration goes on behind the last name on Linux and at the next place elsewhere, so that a
 // key that is made or deleted meanwhile may show a name twice or hide one. So it ends with each

@@ -12,6 +12,8 @@ constexpr GUID kMissingClass = {0x54414C59, 3, 0x4E45, {0x80, 1, 2, 3, 4, 5, 6, 
 
 constexpr const wchar* kPrograms[] = {u"Transcript.Tally", u"Transcript.Missing"};
 
+constexpr int32_t kTokens = 3;
+
 std::u16string ClassText(const GUID& classID) {
     wchar text[QX_GUID_TEXT_SIZE];
     QXComStringFromGUID(&classID, text, QX_GUID_TEXT_SIZE);
@@ -27,19 +29,27 @@ QXResult SetDefaultValue(const std::u16string& key, const std::u16string& text) 
                               static_cast<uint32_t>(2 * text.size() + 2));
 }
 
-// Registered classes and objects of them.
-class Classes {
+QXModuleToken Token(int32_t number) {
+    return reinterpret_cast<QXModuleToken>(static_cast<intptr_t>(number) * 0x5A5A5A5A);
+}
+
+// Registered classes and objects of them, tokens and open libraries.
+class Classes : public Unshared {
   public:
     Classes() { UnregisterAll(); }
     ~Classes() {
         for (ITally* const object : m_objects) {
             object->Release();
         }
+        for (const QXHandle library : m_libraries) {
+            QXLibClose(library);
+        }
+        for (int32_t token = 0; token < kTokens; ++token) {
+            QXModuleSetInitialized(Token(token), 0);
+        }
         QXComFlushFactoryCache();
         UnregisterAll();
     }
-    Classes(const Classes&) = delete;
-    Classes& operator=(const Classes&) = delete;
 
     void Register(Random& random, Line& line) {
         const GUID classID = AnyClass(random, line);
@@ -96,13 +106,10 @@ class Classes {
 
     void CreateForModule(Random& random, Line& line) {
         const GUID classID = AnyClass(random, line);
-        const bool initialized = random.OneIn(2);
-        QXModuleSetInitialized(this, initialized ? 1 : 0);
-        line.Add("initialized", initialized);
+        const QXModuleToken token = AnyToken(random, line);
         Keep(random, line, [&](const GUID* interfaceID, void** object) {
-            return QXModuleComCreateObject(this, &classID, nullptr, interfaceID, object);
+            return QXModuleComCreateObject(token, &classID, nullptr, interfaceID, object);
         });
-        QXModuleSetInitialized(this, 0);
     }
 
     void Use(Random& random, Line& line) {
@@ -129,6 +136,55 @@ class Classes {
         }
     }
 
+    void SetInitialized(Random& random, Line& line) {
+        constexpr int16_t kFlags[] = {0, 1, -1, 0x100};
+        const QXModuleToken token = AnyToken(random, line);
+        const int16_t flag = random.Of(kFlags);
+        line.Add("flag", flag).Result(QXModuleSetInitialized(token, flag));
+    }
+
+    // For a module or for nobody in particular.
+    void Open(Random& random, Line& line) {
+        constexpr const wchar* kMissing[] = {u"no-such-library", u"no-such-directory/library.dll",
+                                             u"no-such-directory\\library.dll"};
+        const bool forModule = random.OneIn(2);
+        const QXModuleToken token = AnyToken(random, line);
+        const wchar* const missing = random.Of(kMissing);
+        const bool isThere = !componentLibrary.empty() && random.OneIn(2);
+        const wchar* const path = isThere ? componentLibrary.c_str() : missing;
+        line.Add("path", isThere ? u"the component library" : std::u16string_view(missing));
+        QXHandle library = nullptr;
+        const QXResult result =
+            forModule ? QXModuleLibOpen(token, path, &library) : QXLibOpen(path, &library);
+        line.Add("forModule", forModule).Result(result).Handle("library", library);
+        if (QX_SUCCEEDED(result)) {
+            m_libraries.push_back(library);
+        }
+    }
+
+    void Close(Random& random, Line& line) {
+        const bool forModule = random.OneIn(2);
+        const QXModuleToken token = AnyToken(random, line);
+        if (!m_libraries.empty()) {
+            const QXHandle library = m_libraries.back();
+            const QXResult result =
+                forModule ? QXModuleLibClose(token, library) : QXLibClose(library);
+            line.Add("forModule", forModule).Result(result);
+            m_libraries.resize(m_libraries.size() - (QX_SUCCEEDED(result) ? 1 : 0));
+        }
+    }
+
+    void GetSymbol(Random& random, Line& line) {
+        constexpr const wchar* kNames[] = {u"DllGetClassObject", u"dllgetclassobject", u"",
+                                           u"no such symbol", u"QXMalloc"};
+        if (!m_libraries.empty()) {
+            const wchar* const name = random.Of(kNames);
+            void* symbol = &symbol;
+            line.Add("name", std::u16string_view(name));
+            line.Result(QXLibGetSymbol(m_libraries.back(), name, &symbol)).Handle("symbol", symbol);
+        }
+    }
+
   private:
     // Also what a sequence that did not come to its end has left.
     static void UnregisterAll() {
@@ -152,6 +208,12 @@ class Classes {
         return program;
     }
 
+    static QXModuleToken AnyToken(Random& random, Line& line) {
+        const auto number = static_cast<int32_t>(random.Below(kTokens));
+        line.Add("token", number);
+        return Token(number);
+    }
+
     template <typename MakeObject>
     void Keep(Random& random, Line& line, MakeObject create) {
         void* object = nullptr;
@@ -166,6 +228,7 @@ class Classes {
     }
 
     std::vector<ITally*> m_objects;
+    std::vector<QXHandle> m_libraries;
 };
 
 }  // namespace
@@ -184,5 +247,9 @@ std::vector<Call> ClassCalls() {
         {"use an object", Member(classes, &Classes::Use), 2},
         {"IQXUnknown_Release", Member(classes, &Classes::Release)},
         {"QXComFlushFactoryCache", Member(classes, &Classes::Flush)},
+        {"QXModuleSetInitialized", Member(classes, &Classes::SetInitialized), 2},
+        {"open a library", Member(classes, &Classes::Open), 2},
+        {"close a library", Member(classes, &Classes::Close)},
+        {"QXLibGetSymbol", Member(classes, &Classes::GetSymbol), 2},
     };
 }

@@ -32,12 +32,9 @@ std::string Encoded(Random& random, const wchar* encoding) {
 }
 
 // An open converter, which keeps what a text left behind.
-class Stream {
+class Stream : public Unshared {
   public:
-    Stream() = default;
     ~Stream() { QXEncToW_Close(m_converter); }
-    Stream(const Stream&) = delete;
-    Stream& operator=(const Stream&) = delete;
 
     void Open(Random& random, Line& line) {
         QXEncToW_Close(m_converter);
@@ -53,49 +50,40 @@ class Stream {
     }
 
     void ToWide(Random& random, Line& line) {
-        const std::string text = Encoded(random, Encoding());
-        const char* source = text.data();
-        Buffer<wchar> buffer(random.Below(2 * text.size() + 2));
-        wchar* target = buffer.Begin();
-        const QXResult result = QXEncToW_Convert(Converter(), &source, text.data() + text.size(),
-                                                 &target, buffer.Begin() + buffer.Size());
-        line.Add("source", text).Result(result).Place("source", source, text.data());
-        ShowTarget(target, &buffer, line);
+        Convert<wchar>(random, line, Encoded(random, m_encoding), QXEncToW_Convert);
     }
-
     void FromWide(Random& random, Line& line) {
-        const std::u16string text = WideText(random);
-        const wchar* source = text.data();
-        Buffer<char> buffer(random.Below(4 * text.size() + 2));
-        char* target = buffer.Begin();
-        const QXResult result = QXEncFromW_Convert(Converter(), &source, text.data() + text.size(),
-                                                   &target, buffer.Begin() + buffer.Size());
-        line.Add("source", text).Result(result).Place("source", source, text.data());
-        ShowTarget(target, &buffer, line);
+        Convert<char>(random, line, WideText(random), QXEncFromW_Convert);
     }
 
-    void FlushToWide(Random& random, Line& line) {
-        Buffer<wchar> buffer(random.Below(8));
-        wchar* target = buffer.Begin();
-        line.Result(QXEncToW_Flush(Converter(), &target, buffer.Begin() + buffer.Size()));
+    template <typename To>
+    void Flush(Random& random, Line& line, QXResult (*flush)(QXEncConverter*, To**, To*)) {
+        Buffer<To> buffer(random.Below(8));
+        To* target = buffer.Begin();
+        line.Result(flush(Converter(), &target, buffer.Begin() + buffer.Size()));
         ShowTarget(target, &buffer, line);
     }
-
-    void FlushFromWide(Random& random, Line& line) {
-        Buffer<char> buffer(random.Below(8));
-        char* target = buffer.Begin();
-        line.Result(QXEncFromW_Flush(Converter(), &target, buffer.Begin() + buffer.Size()));
-        ShowTarget(target, &buffer, line);
-    }
+    void FlushToWide(Random& random, Line& line) { Flush(random, line, QXEncToW_Flush); }
+    void FlushFromWide(Random& random, Line& line) { Flush(random, line, QXEncFromW_Flush); }
 
   private:
-    const wchar* Encoding() const { return m_encoding != nullptr ? m_encoding : u"UTF-8"; }
-
     QXEncConverter* Converter() {
         if (m_converter == nullptr) {
-            m_converter = QXEncFromW_Open(Encoding());
+            m_converter = QXEncFromW_Open(m_encoding);
         }
         return m_converter;
+    }
+
+    template <typename To, typename From>
+    void Convert(Random& random, Line& line, const std::basic_string<From>& text,
+                 QXResult (*convert)(QXEncConverter*, const From**, const From*, To**, To*)) {
+        const From* source = text.data();
+        Buffer<To> buffer(random.Below(4 * text.size() + 2));
+        To* target = buffer.Begin();
+        const QXResult result = convert(Converter(), &source, text.data() + text.size(), &target,
+                                        buffer.Begin() + buffer.Size());
+        line.Add("source", text).Result(result).Place("source", source, text.data());
+        ShowTarget(target, &buffer, line);
     }
 
     template <typename Unit>
@@ -104,7 +92,7 @@ class Stream {
         line.Add("size", buffer->Size()).Add("target", buffer->Content().substr(0, written));
     }
 
-    const wchar* m_encoding = nullptr;
+    const wchar* m_encoding = u"UTF-8";
     QXEncConverter* m_converter = nullptr;
 };
 

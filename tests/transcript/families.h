@@ -43,4 +43,12 @@ MakeCall Member(const std::shared_ptr<Objects>& objects,
     return [objects, make](Random& random, Line& line) { (objects.get()->*make)(random, line); };
 }
 
+// Objects that end with the list that works on them.
+class Unshared {
+  public:
+    Unshared() = default;
+    Unshared(const Unshared&) = delete;
+    Unshared& operator=(const Unshared&) = delete;
+};
+
 #endif

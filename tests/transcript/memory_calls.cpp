@@ -7,76 +7,47 @@
 
 namespace {
 
+constexpr size_t kTooMuch = SIZE_MAX / 16;
+
 // A block and what the transcript wrote to it.
 struct Block {
     void* memory = nullptr;
     size_t size = 0;
 };
 
+// Known bytes from the beginning on.
+void Fill(Block* block, size_t size) {
+    block->size = block->memory != nullptr ? size : 0;
+    if (block->size > 0) {
+        std::memset(block->memory, static_cast<int>('a' + size % 26), size);
+    }
+}
+
+void ShowBytes(const Block& block, size_t size, Line& line) {
+    line.Bytes("bytes", block.memory, block.memory != nullptr ? size : 0);
+}
+
 // Blocks of the heap or of component memory, by their functions.
-class Blocks {
+template <typename Size>
+class Blocks : public Unshared {
   public:
-    explicit Blocks(QXResult (*release)(void*)) : m_release(release) {}
+    using Allocate = QXResult (*)(Size, void**);
+    using Resize = QXResult (*)(void**, Size);
+
+    Blocks(Allocate allocate, Resize resize, QXResult (*release)(void*))
+        : m_allocate(allocate), m_resize(resize), m_release(release) {}
     ~Blocks() {
         for (const Block& block : m_blocks) {
             m_release(block.memory);
         }
     }
-    Blocks(const Blocks&) = delete;
-    Blocks& operator=(const Blocks&) = delete;
-
-    Block* Any(Random& random, Line& line) {
-        const uint32_t index = random.Below(kBlocks);
-        line.Add("block", index);
-        return &m_blocks[index];
-    }
-
-    // A place for a new block.
-    Block* Vacant(Random& random, Line& line) {
-        Block* const block = Any(random, line);
-        m_release(block->memory);
-        *block = {};
-        return block;
-    }
-
-    void Free(Random& random, Line& line) {
-        Block* const block = Any(random, line);
-        line.Result(m_release(block->memory));
-        *block = {};
-    }
-
-  private:
-    static constexpr size_t kBlocks = 4;
-
-    Block m_blocks[kBlocks];
-    QXResult (*m_release)(void*);
-};
-
-constexpr size_t kTooMuch = SIZE_MAX / 16;
-
-// What a block's size became: known bytes from there on.
-void Fill(Block* block, size_t size) {
-    if (size > 0) {
-        std::memset(block->memory, static_cast<int>('a' + size % 26), size);
-    }
-    block->size = size;
-}
-
-// The bytes that stayed, and those that were added if they are known.
-void ShowBytes(const Block& block, size_t size, Line& line) {
-    line.Bytes("bytes", block.memory, block.memory != nullptr ? size : 0);
-}
-
-class HeapBlocks : public Blocks {
-  public:
-    HeapBlocks() : Blocks(QXFree) {}
 
     void Malloc(Random& random, Line& line) {
         Block* const block = Vacant(random, line);
-        const size_t size = AnySize(random);
-        line.Add("size", size).Result(QXMalloc(size, &block->memory));
+        const Size size = AnySize(random);
+        line.Add("size", size).Result(m_allocate(size, &block->memory));
         line.Handle("memory", block->memory);
-        Fill(block, block->memory != nullptr ? size : 0);
+        Fill(block, size);
     }
 
     void Calloc(Random& random, Line& line) {
@@ -91,11 +62,11 @@ class HeapBlocks : public Blocks {
 
     void Realloc(Random& random, Line& line) {
         Block* const block = Any(random, line);
-        const size_t size = AnySize(random);
-        const QXResult result = QXRealloc(&block->memory, size);
+        const Size size = AnySize(random);
+        const QXResult result = m_resize(&block->memory, size);
         line.Add("size", size).Result(result).Handle("memory", block->memory);
         if (QX_SUCCEEDED(result)) {
-            ShowBytes(*block, std::min(size, block->size), line);
+            ShowBytes(*block, std::min<size_t>(size, block->size), line);
             Fill(block, size);
         }
     }
@@ -114,50 +85,59 @@ class HeapBlocks : public Blocks {
         }
     }
 
-    void Size(Random& random, Line& line) {
+    void SizeOf(Random& random, Line& line) {
         line.Add("->", QXMallocSize(Any(random, line)->memory));
     }
 
-  private:
-    static size_t AnySize(Random& random) { return random.OneIn(10) ? kTooMuch : random.Below(40); }
-};
-
-class ComponentBlocks : public Blocks {
-  public:
-    ComponentBlocks() : Blocks(QXComFree) {}
-
-    void Malloc(Random& random, Line& line) {
-        Block* const block = Vacant(random, line);
-        const uint32_t size = random.Below(40);
-        line.Add("size", size).Result(QXComMalloc(size, &block->memory));
-        line.Handle("memory", block->memory);
-        Fill(block, size);
-    }
-
-    void Realloc(Random& random, Line& line) {
+    void Free(Random& random, Line& line) {
         Block* const block = Any(random, line);
-        const uint32_t size = random.Below(40);
-        const QXResult result = QXComRealloc(&block->memory, size);
-        line.Add("size", size).Result(result).Handle("memory", block->memory);
-        ShowBytes(*block, std::min<size_t>(size, block->size), line);
-        Fill(block, block->memory != nullptr ? size : 0);
+        line.Result(m_release(block->memory));
+        *block = {};
     }
+
+  private:
+    Block* Any(Random& random, Line& line) {
+        const uint32_t index = random.Below(std::size(m_blocks));
+        line.Add("block", index);
+        return &m_blocks[index];
+    }
+
+    // A place for a new block.
+    Block* Vacant(Random& random, Line& line) {
+        Block* const block = Any(random, line);
+        m_release(block->memory);
+        *block = {};
+        return block;
+    }
+
+    // What is too much for the heap is no size of component memory.
+    static Size AnySize(Random& random) {
+        const bool tooMuch = sizeof(Size) == sizeof kTooMuch && random.OneIn(10);
+        return static_cast<Size>(tooMuch ? kTooMuch : random.Below(40));
+    }
+
+    const Allocate m_allocate;
+    const Resize m_resize;
+    QXResult (*const m_release)(void*);
+    Block m_blocks[4];
 };
 
 }  // namespace
 
 std::vector<Call> MemoryCalls() {
-    const auto heap = std::make_shared<HeapBlocks>();
-    const auto component = std::make_shared<ComponentBlocks>();
+    using Heap = Blocks<size_t>;
+    using Component = Blocks<uint32_t>;
+    const auto heap = std::make_shared<Heap>(QXMalloc, QXRealloc, QXFree);
+    const auto component = std::make_shared<Component>(QXComMalloc, QXComRealloc, QXComFree);
     return {
-        {"QXMalloc", Member(heap, &HeapBlocks::Malloc)},
-        {"QXCalloc", Member(heap, &HeapBlocks::Calloc)},
-        {"QXRealloc", Member(heap, &HeapBlocks::Realloc)},
-        {"QXRecalloc", Member(heap, &HeapBlocks::Recalloc)},
-        {"QXMallocSize", Member(heap, &HeapBlocks::Size)},
-        {"QXFree", Member<Blocks>(heap, &Blocks::Free)},
-        {"QXComMalloc", Member(component, &ComponentBlocks::Malloc)},
-        {"QXComRealloc", Member(component, &ComponentBlocks::Realloc)},
-        {"QXComFree", Member<Blocks>(component, &Blocks::Free)},
+        {"QXMalloc", Member(heap, &Heap::Malloc)},
+        {"QXCalloc", Member(heap, &Heap::Calloc)},
+        {"QXRealloc", Member(heap, &Heap::Realloc)},
+        {"QXRecalloc", Member(heap, &Heap::Recalloc)},
+        {"QXMallocSize", Member(heap, &Heap::SizeOf)},
+        {"QXFree", Member(heap, &Heap::Free)},
+        {"QXComMalloc", Member(component, &Component::Malloc)},
+        {"QXComRealloc", Member(component, &Component::Realloc)},
+        {"QXComFree", Member(component, &Component::Free)},
     };
 }

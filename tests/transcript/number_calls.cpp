@@ -1,21 +1,32 @@
 #include <qxcore/string.h>
 
-#include <cerrno>
-
 #include "transcript/allowances.h"
 #include "transcript/call_lists.h"
-#include "transcript/values.h"
+#include "transcript/calls.h"
 
 namespace {
 
 template <typename Unit>
 std::basic_string<Unit> NumberIn(Random& random) {
     const std::string text = NumberText(random);
-    if constexpr (sizeof(Unit) == 1) {
-        return text;
-    } else {
-        return Widen(text);
-    }
+    return {text.begin(), text.end()};
+}
+
+template <typename Unit>
+std::basic_string<Unit> FloatIn(Random& random) {
+    std::string text = random.OneIn(3) ? " \t" : "";
+    text += random.OneIn(4) ? "-" : "";
+    text += random.OneIn(2)
+                ? AnyWord(random,
+                          "1.5 -0 .5 5. . 1e308 1e309 -1e309 4.9e-324 1e-400 1e 1e+ 1e+5x 0x1p3 "
+                          "0x.8 0x inf nan INFIN infinity nan(12) 1,5 1d3 1D-2 0x1.8p-1074 "
+                          "2.2250738585072011e-308 179769313486231580793728971405303415e273 "
+                          "9007199254740993 0.1 123456789012345678901234567890.5e-10")
+                : std::to_string(random.Next() >> random.Below(64)) + "." +
+                      std::to_string(random.Below(100000)) + "e" +
+                      std::to_string(static_cast<int>(random.Below(640)) - 320);
+    text += random.OneIn(4) ? "x" : "";
+    return {text.begin(), text.end()};
 }
 
 int32_t Radix(Random& random) {
@@ -23,121 +34,51 @@ int32_t Radix(Random& random) {
     return random.Of(kRadixes);
 }
 
-template <typename Number, typename Unit>
-MakeCall ReadDecimal(Number (*read)(const Unit*)) {
-    return [read](Random& random, Line& line) {
-        const auto text = NumberIn<Unit>(random);
-        errno = 0;
-        const Number number = read(text.c_str());
-        const int error = errno;
-        line.Add("text", text).Add("->", number).Add("errno", error);
-    };
+int32_t WrittenRadix(Random& random) {
+    return random.OneIn(8) ? Radix(random) : static_cast<int32_t>(random.Between(2, 36));
 }
 
-template <typename Number, typename Unit>
-MakeCall ReadNumber(Number (*read)(const Unit*, Unit**, int32_t)) {
-    return [read](Random& random, Line& line) {
-        const auto text = NumberIn<Unit>(random);
-        const int32_t radix = Radix(random);
-        Unit* end = nullptr;
-        errno = 0;
-        const Number number = read(text.c_str(), &end, radix);
-        const int error = errno;
-        line.Add("text", text).Add("radix", radix).Add("->", number).Add("errno", error);
-        line.Place("end", const_cast<const Unit*>(end), text.c_str());
-    };
+// What a reader gives: the number, and how many units it took.
+template <typename Number>
+struct Reading {
+    Number number;
+    std::ptrdiff_t length;
+};
+
+template <auto kRead, typename Unit>
+auto Read(const Unit* text, int32_t radix) {
+    Unit* end = nullptr;
+    const auto number = kRead(text, &end, radix);
+    return Reading<decltype(number)>{number, end - text};
 }
 
-std::string FloatText(Random& random) {
-    constexpr const char* kTexts[] = {"1.5",
-                                      "-0",
-                                      ".5",
-                                      "5.",
-                                      ".",
-                                      "1e308",
-                                      "1e309",
-                                      "-1e309",
-                                      "4.9e-324",
-                                      "1e-400",
-                                      "1e",
-                                      "1e+",
-                                      "1e+5x",
-                                      "0x1p3",
-                                      "0x.8",
-                                      "0x",
-                                      "inf",
-                                      "nan",
-                                      "INFIN",
-                                      "infinity",
-                                      "nan(12)",
-                                      "1,5",
-                                      "1d3",
-                                      "1D-2",
-                                      "0x1.8p-1074",
-                                      "2.2250738585072011e-308",
-                                      "179769313486231580793728971405303415e273",
-                                      "9007199254740993",
-                                      "0.1",
-                                      "123456789012345678901234567890.5e-10"};
-    std::string text = random.OneIn(3) ? " \t" : "";
-    text += random.OneIn(4) ? "-" : "";
-    text += random.OneIn(2) ? random.Of(kTexts)
-                            : std::to_string(random.Next() >> random.Below(64)) + "." +
-                                  std::to_string(random.Below(100000)) + "e" +
-                                  std::to_string(static_cast<int>(random.Below(640)) - 320);
-    return text + (random.OneIn(4) ? "x" : "");
-}
-
-template <typename Unit>
-MakeCall ReadFloat(double (*read)(const Unit*, Unit**)) {
-    return [read](Random& random, Line& line) {
-        const std::string narrow = FloatText(random);
-        const std::basic_string<Unit> text(narrow.begin(), narrow.end());
-        Unit* end = nullptr;
-        errno = 0;
-        const double number = allowance::NoNumberHasAnyBits(read(text.c_str(), &end));
-        const int error = allowance::UnderflowMayBeNoError(number, errno);
-        const bool nothing = end == text.c_str();
-        line.Add("text", text).Add("->", allowance::ZeroOfNothingHasAnySign(number, nothing));
-        line.Add("errno", error).Place("end", const_cast<const Unit*>(end), text.c_str());
-    };
-}
-
-template <typename Number, typename Unit>
-MakeCall WriteNumber(Unit* (*write)(Number, Unit*, int32_t)) {
-    return [write](Random& random, Line& line) {
-        const auto number = AnyNumber<Number>(random);
-        const int32_t radix = random.OneIn(8) ? Radix(random) : random.Between(2, 36);
-        Buffer<Unit> buffer(66);
-        errno = 0;
-        const Unit* const written = write(number, buffer.Begin(), radix);
-        const int error = errno;
-        line.Add("number", number).Add("radix", radix).Add("errno", error);
-        line.Place("->", written, const_cast<const Unit*>(buffer.Begin()));
-        // Behind the terminator the buffer may have served for digits.
-        line.Add("text", std::basic_string<Unit>(buffer.Begin()));
-    };
+template <auto kRead, typename Unit>
+auto ReadFloat(const Unit* text) {
+    Unit* end = nullptr;
+    const double number = allowance::NoNumberHasAnyBits(kRead(text, &end));
+    errno = allowance::UnderflowMayBeNoError(number, errno);
+    return Reading{allowance::ZeroOfNothingHasAnySign(number, end == text), end - text};
 }
 
 }  // namespace
 
 std::vector<Call> NumberCalls() {
     return {
-        {"QXStrToIA", ReadDecimal(QXStrToIA)},
-        {"QXStrToIW", ReadDecimal(QXStrToIW)},
-        {"QXStrToI64W", ReadDecimal(QXStrToI64W)},
-        {"QXStrToLA", ReadNumber(QXStrToLA)},
-        {"QXStrToLW", ReadNumber(QXStrToLW)},
-        {"QXStrToULA", ReadNumber(QXStrToULA)},
-        {"QXStrToULW", ReadNumber(QXStrToULW)},
-        {"QXStrToLLA", ReadNumber(QXStrToLLA)},
-        {"QXStrToLLW", ReadNumber(QXStrToLLW)},
-        {"QXStrToULLA", ReadNumber(QXStrToULLA)},
-        {"QXStrToDA", ReadFloat(QXStrToDA)},
-        {"QXStrToDW", ReadFloat(QXStrToDW)},
-        {"QXLToStrA", WriteNumber(QXLToStrA)},
-        {"QXLToStrW", WriteNumber(QXLToStrW)},
-        {"QXInt64ToStrA", WriteNumber(QXInt64ToStrA)},
-        {"QXInt64ToStrW", WriteNumber(QXInt64ToStrW)},
+        {"QXStrToIA", Row(QXStrToIA, NumberIn<char>)},
+        {"QXStrToIW", Row(QXStrToIW, NumberIn<wchar>)},
+        {"QXStrToI64W", Row(QXStrToI64W, NumberIn<wchar>)},
+        {"QXStrToLA", Row(Read<QXStrToLA, char>, NumberIn<char>, Radix)},
+        {"QXStrToLW", Row(Read<QXStrToLW, wchar>, NumberIn<wchar>, Radix)},
+        {"QXStrToULA", Row(Read<QXStrToULA, char>, NumberIn<char>, Radix)},
+        {"QXStrToULW", Row(Read<QXStrToULW, wchar>, NumberIn<wchar>, Radix)},
+        {"QXStrToLLA", Row(Read<QXStrToLLA, char>, NumberIn<char>, Radix)},
+        {"QXStrToLLW", Row(Read<QXStrToLLW, wchar>, NumberIn<wchar>, Radix)},
+        {"QXStrToULLA", Row(Read<QXStrToULLA, char>, NumberIn<char>, Radix)},
+        {"QXStrToDA", Row(ReadFloat<QXStrToDA, char>, FloatIn<char>)},
+        {"QXStrToDW", Row(ReadFloat<QXStrToDW, wchar>, FloatIn<wchar>)},
+        {"QXLToStrA", Row(QXLToStrA, AnyNumber<int32_t>, RoomFor<char, 66>, WrittenRadix)},
+        {"QXLToStrW", Row(QXLToStrW, AnyNumber<int32_t>, RoomFor<wchar, 66>, WrittenRadix)},
+        {"QXInt64ToStrA", Row(QXInt64ToStrA, AnyNumber<int64_t>, RoomFor<char, 66>, WrittenRadix)},
+        {"QXInt64ToStrW", Row(QXInt64ToStrW, AnyNumber<int64_t>, RoomFor<wchar, 66>, WrittenRadix)},
     };
 }

@@ -1,6 +1,7 @@
 #include <qxcore/option.h>
 
 #include "transcript/call_lists.h"
+#include "transcript/values.h"
 
 namespace {
 
@@ -8,22 +9,15 @@ constexpr QXOptionRecord kOptions[] = {
     {"help", 0, 'h'}, {"output", 1, 'o'}, {"output-all", 1, 'a'}, {"quiet", 2, 'q'},
     {"x", 0, 'x'},    {"verbose", 0, -5}, {"version", 1, 'v'},    {nullptr, 0, 0}};
 
-std::string AnyArgument(Random& random) {
-    constexpr const char* kArguments[] = {
-        "--help",        "-help",     "--hel",       "--output", "--output=",
-        "--output=file", "-o",        "--out",       "--outp",   "--output-all",
-        "--quiet=x",     "--quiet",   "-x",          "--x=1",    "--ver",
-        "--verb",        "--version", "--version=1", "--",       "-",
-        "file",          "",          "--no-such",   "-?",       "---",
-        "--=",           "other"};
-    return random.Of(kArguments);
-}
+constexpr std::string_view kArguments =
+    " --help -help --hel --output --output= --output=file -o --out --outp --output-all --quiet=x "
+    "--quiet -x --x=1 --ver --verb --version --version=1 -- - file --no-such -? --- --= other";
 
 // A whole scan of a command line.
 void Scan(Random& random, Line& line) {
     std::vector<std::string> texts = {"program"};
     for (uint32_t left = random.Below(7); left > 0; --left) {
-        texts.push_back(AnyArgument(random));
+        texts.push_back(AnyWord(random, kArguments));
     }
     std::vector<char*> arguments;
     for (std::string& text : texts) {

@@ -13,10 +13,9 @@ namespace {
 constexpr int32_t kRoots[] = {QX_HKEY_CLASSES, QX_HKEY_CONFIG, QX_HKEY_USER, QX_HKEY_CLASSES_64,
                               QX_HKEY_CONFIG_64};
 
-constexpr const wchar* kNames[] = {
-    u"",       u"v",          u"V",      u"w",      u"\u00E9",   u"\u00C9", u"a\\b",
-    u"%NAME%", u"\U00010400", u"\u1E9E", u"\u00FF", u"\u0178",   u"\u03C2", u"\u03A3",
-    u"\u03C3", u"\u0131",     u"I",      u"\u00DF", u"no value", u" ",      u"\u01C5"};
+constexpr std::u16string_view kNames =
+    u"|v|V|w|\u00E9|\u00C9|a\\b|%NAME%|\U00010400|\u1E9E|\u00FF|\u0178|\u03C2|\u03A3|\u03C3|\u0131|"
+    u"I|\u00DF|no value| |\u01C5";
 
 struct Target {
     int32_t root;
@@ -29,12 +28,12 @@ struct Target {
 std::u16string AnyPath(Random& random) {
     return random.OneIn(30)
                ? u'\\' + std::u16string(allowance::kLongestKeyName - random.Below(2), u'k')
-               : random.Of(allowance::kKeysInOneOrderByEitherCase);
+               : AnyPart(random, allowance::kKeysInOneOrderByEitherCase, '|');
 }
 
 std::u16string AnyName(Random& random) {
     return random.OneIn(40) ? std::u16string(allowance::kLongestValueName - random.Below(2), u'n')
-                            : random.Of(kNames);
+                            : AnyPart(random, kNames, '|');
 }
 
 int32_t AnyRoot(Random& random) {
@@ -55,15 +54,11 @@ void Show(const char* what, const std::u16string& name, Line& line) {
 
 // Text as a value holds it, with its terminators or without, and any bytes.
 std::u16string AnyData(Random& random, uint32_t type) {
-    constexpr const wchar* kReferences[] = {u"%QX_TRANSCRIPT%",
-                                            u"%NO_SUCH_NAME%",
-                                            u"%",
-                                            u"%%",
-                                            u"%QX_TRANSCRIPT",
-                                            u"%QX_TRANSCRIPT% and %QX_TRANSCRIPT%"};
+    constexpr std::u16string_view kReferences =
+        u"%QX_TRANSCRIPT%|%NO_SUCH_NAME%|%|%%|%QX_TRANSCRIPT|%QX_TRANSCRIPT% and %QX_TRANSCRIPT%";
     std::u16string data = WideText(random);
     if (type == QX_REG_EXPAND_STRING) {
-        data = allowance::SinglePercentSignHidesReference(data) + random.Of(kReferences);
+        data = allowance::SinglePercentSignHidesReference(data) + AnyPart(random, kReferences, '|');
     }
     if (type == QX_REG_MULTI_STRING) {
         data += u'\0' + WideText(random) + u'\0';
@@ -101,15 +96,13 @@ std::vector<Value> ReadValues(QXHandle enumeration, Line& line) {
 }
 
 // Keys and values, and one enumeration of keys that lives through other calls.
-class Keys {
+class Keys : public Unshared {
   public:
     Keys() { RemoveTrees(); }
     ~Keys() {
         QXRegistryCloseEnum(m_enumeration);
         RemoveTrees();
     }
-    Keys(const Keys&) = delete;
-    Keys& operator=(const Keys&) = delete;
 
     void SetValue(Random& random, Line& line) {
         const Target target = Any(random, line);

@@ -37,16 +37,28 @@ class Sequence {
 
     // Most calls of a sequence are of one family, so that they meet each other's objects.
     void Make(uint32_t seed, uint32_t step) {
-        const uint32_t theme = Random(seed).Below(m_families.size());
+        Random theme(seed);
         Random random(seed, step + 1);
-        const std::vector<Call>& family =
-            random.OneIn(4) ? random.Of(m_families) : m_families[theme];
-        const Call& call = AnyOf(family, random);
+        const Call& call = AnyOf(AnyFamily(random.OneIn(4) ? random : theme), random);
         Line line(std::to_string(step) + ' ' + call.name);
         call.make(random, line);
     }
 
   private:
+    // One with many calls more often than one with few.
+    const std::vector<Call>& AnyFamily(Random& random) const {
+        size_t total = 0;
+        for (const std::vector<Call>& family : m_families) {
+            total += family.size();
+        }
+        size_t drawn = random.Below(total);
+        auto family = m_families.begin();
+        for (; drawn >= family->size(); ++family) {
+            drawn -= family->size();
+        }
+        return *family;
+    }
+
     static const Call& AnyOf(const std::vector<Call>& calls, Random& random) {
         uint32_t total = 0;
         for (const Call& call : calls) {

@@ -16,31 +16,27 @@ size_t AnyLength(Random& random) {
     return random.OneIn(12) ? random.Below(300) : random.Below(14);
 }
 
-std::u16string FewLetters(Random& random) {
-    constexpr std::u16string_view kLetters = u"abAB_1, ";
+template <typename Draw>
+std::u16string Units(Random& random, Draw draw) {
     std::u16string text;
     for (size_t left = AnyLength(random); left > 0; --left) {
-        text += random.Of(kLetters);
+        text += static_cast<char16_t>(draw());
     }
     return text;
+}
+
+std::u16string FewLetters(Random& random) {
+    return Units(random, [&] { return random.Of(std::u16string_view(u"abAB_1, ")); });
 }
 
 std::u16string AsciiText(Random& random) {
-    std::u16string text;
-    for (size_t left = AnyLength(random); left > 0; --left) {
-        text += static_cast<char16_t>(random.Between(1, 0x7F));
-    }
-    return text;
+    return Units(random, [&] { return random.Between(1, 0x7F); });
 }
 
 std::u16string AnyUnits(Random& random) {
-    std::u16string text;
-    for (size_t left = AnyLength(random); left > 0; --left) {
-        const bool surrogate = random.OneIn(3);
-        text += static_cast<char16_t>(surrogate ? random.Between(0xD800, 0xDFFF)
-                                                : random.Between(1, 0xFFFF));
-    }
-    return text;
+    return Units(random, [&] {
+        return random.OneIn(3) ? random.Between(0xD800, 0xDFFF) : random.Between(1, 0xFFFF);
+    });
 }
 
 void Append(std::u16string* text, uint32_t codePoint) {
@@ -80,14 +76,6 @@ std::string Narrow(const std::u16string& text) {
     return {text.begin(), text.end()};
 }
 
-std::string AnyBytes(Random& random) {
-    std::string text;
-    for (size_t left = AnyLength(random); left > 0; --left) {
-        text += static_cast<char>(random.Between(1, 0xFF));
-    }
-    return text;
-}
-
 }  // namespace
 
 uint32_t AnyCodePoint(Random& random) {
@@ -112,7 +100,7 @@ std::string NarrowText(Random& random) {
         case 0:
             return Characters<std::string>(random);
         case 1:
-            return AnyBytes(random);
+            return Narrow(Units(random, [&] { return random.Between(1, 0xFF); }));
         default:
             return PlainText(random);
     }
@@ -131,32 +119,27 @@ std::u16string WideText(Random& random) {
     }
 }
 
+std::u32string Utf32Text(Random& random) {
+    std::u32string text;
+    for (size_t left = AnyLength(random); left > 0; --left) {
+        text += random.OneIn(10) ? static_cast<char32_t>(random.Next())
+                                 : static_cast<char32_t>(AnyCodePoint(random));
+    }
+    return text.c_str();
+}
+
 std::string NumberText(Random& random) {
     constexpr const char* kFronts[] = {"", "", "", " ", "\t\n\v\f\r ", "+", "-", " -", "+-", "- "};
     constexpr const char* kPrefixes[] = {"", "", "", "0", "0x", "0X", "0x0", "00"};
-    constexpr const char* kDigits[] = {"",
-                                       "0",
-                                       "7",
-                                       "12",
-                                       "2147483647",
-                                       "2147483648",
-                                       "4294967295",
-                                       "4294967296",
-                                       "9223372036854775807",
-                                       "9223372036854775808",
-                                       "18446744073709551615",
-                                       "18446744073709551616",
-                                       "99999999999999999999999999",
-                                       "7fffffff",
-                                       "80000000",
-                                       "zz",
-                                       "1010",
-                                       "g"};
     constexpr const char* kTails[] = {"", "", "", " ", "x", "8", "9", "-1", ".5", "e9", "\x80"};
     std::string text = random.Of(kFronts);
     text += random.Of(kPrefixes);
-    text +=
-        random.OneIn(2) ? random.Of(kDigits) : std::to_string(random.Next() >> random.Below(64));
+    text += random.OneIn(2)
+                ? AnyWord(random,
+                          " 0 7 12 2147483647 2147483648 4294967295 4294967296 9223372036854775807 "
+                          "9223372036854775808 18446744073709551615 18446744073709551616 "
+                          "99999999999999999999999999 7fffffff 80000000 zz 1010 g")
+                : std::to_string(random.Next() >> random.Below(64));
     return text + random.Of(kTails);
 }
 

@@ -4,7 +4,9 @@
 
 #include <qxcore/base.h>
 
+#include <algorithm>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "transcript/line.h"
@@ -67,16 +69,37 @@ Number AnyNumber(Random& random) {
 
 std::u16string Widen(std::string_view text);
 
+// Any code points and some other numbers.
+std::u32string Utf32Text(Random& random);
+
 template <typename Unit>
 std::basic_string<Unit> Text(Random& random) {
     if constexpr (sizeof(Unit) == 1) {
         return NarrowText(random);
-    } else {
+    } else if constexpr (sizeof(Unit) == 2) {
         return WideText(random);
+    } else {
+        return Utf32Text(random);
     }
 }
 
-// Room for some units with a margin behind it; all of it is printed.
+// One of the parts of a text that a separator stands between.
+template <typename Unit>
+std::basic_string<Unit> AnyPart(Random& random, std::basic_string_view<Unit> parts,
+                                std::type_identity_t<Unit> separator) {
+    for (auto left = random.Below(1 + static_cast<size_t>(std::ranges::count(parts, separator)));
+         left > 0; --left) {
+        parts.remove_prefix(parts.find(separator) + 1);
+    }
+    return std::basic_string<Unit>(parts.substr(0, parts.find(separator)));
+}
+
+inline std::string AnyWord(Random& random, std::string_view words) {
+    return AnyPart(random, words, ' ');
+}
+
+// Room for some units with a margin behind it; all of it is printed. Without room it is a null
+// pointer.
 template <typename Unit>
 class Buffer {
   public:
@@ -88,7 +111,7 @@ class Buffer {
             std::copy(content.begin(), content.end(), m_units.begin());
         }
     }
-    Unit* Begin() { return m_units.data(); }
+    Unit* Begin() { return Size() != 0 ? m_units.data() : nullptr; }
     size_t Size() const { return m_units.size() - kMargin; }
     std::basic_string_view<Unit> Content() const { return {m_units.data(), m_units.size()}; }
 

@@ -3,35 +3,88 @@
 #include <qxcore/memory.h>
 #include <qxcore/result.h>
 
+#include <cstring>
+
 #include "transcript/call_lists.h"
-#include "transcript/values.h"
+#include "transcript/calls.h"
 
 namespace {
 
-template <typename Word>
-MakeCall Update(Word (*update)(Word*, Word)) {
-    return [update](Random& random, Line& line) {
-        auto word = AnyNumber<Word>(random);
-        const auto value = AnyNumber<Word>(random);
-        line.Add("word", word).Add("value", value).Add("->", update(&word, value));
-        line.Add("word", word);
-    };
+// ---- Kinds
+
+constexpr auto kFew = Within<0, 2>;
+
+GUID AnyIdentifier(Random& random) {
+    GUID guid = {};
+    const uint64_t words[2] = {random.Next(), random.Next()};
+    if (!random.OneIn(8)) {
+        std::memcpy(&guid, words, sizeof guid);
+    }
+    return guid;
 }
 
-MakeCall Step(uint32_t (*step)(uint32_t*)) {
-    return [step](Random& random, Line& line) {
-        auto word = AnyNumber<uint32_t>(random);
-        line.Add("word", word).Add("->", step(&word)).Add("word", word);
-    };
+// The same, or with one other byte.
+GUID OtherIdentifier(Random& random, const Draft& draft) {
+    GUID guid = draft.identifier;
+    const uint32_t byte = random.Below(20);
+    if (byte < sizeof guid) {
+        reinterpret_cast<uint8_t*>(&guid)[byte] ^= static_cast<uint8_t>(random.Between(1, 0xFF));
+    }
+    return guid;
 }
 
-void CompareExchange(Random& random, Line& line) {
-    auto word = AnyNumber<uint32_t>(random);
-    const auto exchange = AnyNumber<uint32_t>(random);
-    const uint32_t comparand = random.OneIn(2) ? word : AnyNumber<uint32_t>(random);
-    line.Add("word", word).Add("exchange", exchange).Add("comparand", comparand);
-    line.Add("->", QXAtomicCompareExchange(&word, exchange, comparand)).Add("word", word);
+std::u16string IdentifierText(Random& random) {
+    const GUID guid = AnyIdentifier(random);
+    wchar buffer[QX_GUID_TEXT_SIZE];
+    QXComStringFromGUID(&guid, buffer, QX_GUID_TEXT_SIZE);
+    std::u16string text = buffer;
+    if (random.OneIn(3)) {
+        text = text.substr(1, 36);
+    }
+    while (random.OneIn(2)) {
+        text = Variation(random, text);
+    }
+    return text;
 }
+
+int32_t IdentifierRoom(Random& random) {
+    return random.OneIn(2) ? QX_GUID_TEXT_SIZE : static_cast<int32_t>(random.Below(42));
+}
+
+template <typename Value>
+Value Unset(Random&) {
+    Value value;
+    std::memset(&value, 0x7E, sizeof value);
+    return value;
+}
+
+uint16_t Near(Random& random, uint32_t first, uint32_t last) {
+    return static_cast<uint16_t>(random.OneIn(12) ? random.Next() : random.Between(first, last));
+}
+
+QXTimeRecord AnyRecord(Random& random) {
+    return {Near(random, 1969, 2040), Near(random, 0, 13), Near(random, 0, 7),
+            Near(random, 0, 32),      Near(random, 0, 24), Near(random, 0, 60),
+            Near(random, 0, 61),      Near(random, 0, 999)};
+}
+
+int64_t AnySeconds(Random& random) {
+    constexpr int64_t kYear3000 = 32535215999;
+    return random.OneIn(3) ? AnyNumber<int64_t>(random)
+                           : static_cast<int64_t>(random.Next() % (kYear3000 + 2)) - 1;
+}
+
+tm AnyTm(Random& random) {
+    tm time = {};
+    for (int* const field : {&time.tm_sec, &time.tm_min, &time.tm_hour, &time.tm_mday, &time.tm_mon,
+                             &time.tm_year, &time.tm_wday}) {
+        *field = random.OneIn(3) ? AnyNumber<int32_t>(random) % 0x7FFFFFF
+                                 : static_cast<int>(random.Below(61));
+    }
+    return time;
+}
+
+// ---- Functions that need something round them
 
 template <typename Word>
 MakeCall Unaligned(Word (*get)(const void*), void* (*put)(void*, Word)) {
@@ -45,42 +98,44 @@ MakeCall Unaligned(Word (*get)(const void*), void* (*put)(void*, Word)) {
     };
 }
 
-template <typename Word>
-MakeCall Swap(Word (*swap)(Word)) {
-    return [swap](Random& random, Line& line) {
-        const auto value = AnyNumber<Word>(random);
-        line.Add("value", value).Add("->", swap(value));
-    };
-}
-
-void AlignedSize(Random& random, Line& line) {
-    const auto size = AnyNumber<size_t>(random);
-    line.Add("size", size).Add("->", QXGetAlignedSize(size));
-}
-
-void ResultFromNative(Random& random, Line& line) {
-    const auto number = AnyNumber<uint32_t>(random);
-    line.Add("number", number).Result(QXResultFromNative(number));
+// Of a new identifier the kind is known, and that no two are the same.
+void Generate(Random&, Line& line) {
+    GUID guids[2] = {};
+    line.Result(QXComGenerateGUID(&guids[0])).Result(QXComGenerateGUID(&guids[1]));
+    line.Add("version", guids[0].Data3 >> 12).Add("variant", guids[0].Data4[0] >> 6);
+    line.Add("same", QXComIsEqualGUID(&guids[0], &guids[1]));
 }
 
 }  // namespace
 
 std::vector<Call> WordCalls() {
+    constexpr auto kAny32 = AnyNumber<uint32_t>;
+    constexpr auto kAnySize = AnyNumber<size_t>;
     return {
-        {"QXAtomicAdd32", Update(QXAtomicAdd32)},
-        {"QXAtomicAddSZ", Update(QXAtomicAddSZ)},
-        {"QXAtomicIncrement", Step(QXAtomicIncrement)},
-        {"QXAtomicDecrement", Step(QXAtomicDecrement)},
-        {"QXAtomicExchange", Update(QXAtomicExchange)},
-        {"QXAtomicCompareExchange", CompareExchange},
+        {"QXAtomicAdd32", Row(QXAtomicAdd32, kAny32, kAny32)},
+        {"QXAtomicAddSZ", Row(QXAtomicAddSZ, kAnySize, kAnySize)},
+        {"QXAtomicIncrement", Row(QXAtomicIncrement, kAny32)},
+        {"QXAtomicDecrement", Row(QXAtomicDecrement, kAny32)},
+        {"QXAtomicExchange", Row(QXAtomicExchange, kAny32, kAny32)},
+        {"QXAtomicCompareExchange", Row(QXAtomicCompareExchange, kFew, kAny32, kFew)},
         {"QXPutUnalignedInt16", Unaligned(QXGetUnalignedInt16, QXPutUnalignedInt16)},
         {"QXPutUnalignedInt32", Unaligned(QXGetUnalignedInt32, QXPutUnalignedInt32)},
         {"QXPutUnalignedInt64", Unaligned(QXGetUnalignedInt64, QXPutUnalignedInt64)},
-        {"QXSwapInt16", Swap(QXSwapInt16)},
-        {"QXSwapInt32", Swap(QXSwapInt32)},
-        {"QXSwapInt64", Swap(QXSwapInt64)},
-        {"QXGetAlignedSize", AlignedSize},
-        {"QXResultFromNative", ResultFromNative},
+        {"QXSwapInt16", Row(QXSwapInt16, AnyNumber<uint16_t>)},
+        {"QXSwapInt32", Row(QXSwapInt32, kAny32)},
+        {"QXSwapInt64", Row(QXSwapInt64, AnyNumber<uint64_t>)},
+        {"QXGetAlignedSize", Row(QXGetAlignedSize, kAnySize)},
+        {"QXResultFromNative", Row(QXResultFromNative, kAny32)},
+        {"QXComIsEqualGUID", Row(QXComIsEqualGUID, AnyIdentifier, OtherIdentifier)},
+        {"QXComCompareGUID", Row(QXComCompareGUID, AnyIdentifier, OtherIdentifier)},
+        {"QXComStringFromGUID",
+         Row(QXComStringFromGUID, AnyIdentifier, RoomFor<wchar, 42>, IdentifierRoom)},
+        {"QXComGUIDFromString", Row(QXComGUIDFromString, IdentifierText, Unset<GUID>)},
+        {"QXComGenerateGUID", Generate},
+        {"QXTimeFromPosix", Row(QXTimeFromPosix, AnySeconds, Unset<QXTimeRecord>)},
+        {"QXTimeToPosix", Row(QXTimeToPosix, AnyRecord, Unset<int64_t>)},
+        {"QXTimeFromTM", Row(QXTimeFromTM, AnyTm, Unset<QXTimeRecord>)},
+        {"QXTimeToTM", Row(QXTimeToTM, AnyRecord, Unset<tm>)},
     };
 }
 
@@ -89,7 +144,18 @@ void PrintWords() {
     Line("sizes")
         .Add("QXResult", sizeof(QXResult))
         .Add("QXHandle", sizeof(QXHandle))
-        .Add("wchar", sizeof(wchar));
+        .Add("wchar", sizeof(wchar))
+        .Add("QXTimeRecord", sizeof(QXTimeRecord))
+        .Add("QXTimeSpec", sizeof(QXTimeSpec));
+    Line("GUID")
+        .Add("size", sizeof(GUID))
+        .Add("Data2", offsetof(GUID, Data2))
+        .Add("Data3", offsetof(GUID, Data3))
+        .Add("Data4", offsetof(GUID, Data4));
+    Line("QXTimeZoneRecord")
+        .Add("size", sizeof(QXTimeZoneRecord))
+        .Add("standardName", offsetof(QXTimeZoneRecord, standardName))
+        .Add("daylightName", offsetof(QXTimeZoneRecord, daylightName));
     for (uint32_t number = 0; number < kNativeNumbers; ++number) {
         Line("QXResultFromNative").Add("number", number).Result(QXResultFromNative(number));
     }

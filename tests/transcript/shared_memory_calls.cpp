@@ -1,4 +1,3 @@
-#include <qxcore/named_semaphore.h>
 #include <qxcore/shared_mem.h>
 
 #include <random>
@@ -9,33 +8,15 @@
 
 namespace {
 
-// Two handles of every name, and a view, which come and go; the names are this list's own.
-class SharedObjects {
+// Two handles of one name, and a view, which come and go; the name is this list's own.
+class SharedMemory : public Unshared {
   public:
-    SharedObjects() : m_name("transcript-" + std::to_string(std::random_device{}())) {}
-    ~SharedObjects() {
+    ~SharedMemory() {
         Detach();
         for (QXHandle& mapping : m_mappings) {
             CloseMapping(mapping);
         }
-        for (const QXHandle semaphore : m_semaphores) {
-            QXNamedSemClose(semaphore);
-        }
     }
-    SharedObjects(const SharedObjects&) = delete;
-    SharedObjects& operator=(const SharedObjects&) = delete;
-
-    void OpenSemaphore(Random& random, Line& line) {
-        constexpr uint32_t kCounts[] = {0, 1, 2, 32767, 32768};
-        QXHandle& semaphore = m_semaphores[random.Below(2)];
-        QXNamedSemClose(semaphore);
-        const uint32_t count = random.Of(kCounts);
-        line.Add("count", count).Result(QXNamedSemOpen(m_name.c_str(), count, &semaphore));
-        line.Handle("handle", semaphore);
-        semaphore = semaphore == QX_INVALID_HANDLE ? nullptr : semaphore;
-    }
-    void Post(Random& random, Line& line) { Use(random, line, QXNamedSemPost); }
-    void TryWait(Random& random, Line& line) { Use(random, line, QXNamedSemTryWait); }
 
     void OpenMapping(Random& random, Line& line) {
         constexpr uint32_t kFlags[] = {0,
@@ -86,12 +67,6 @@ class SharedObjects {
     }
 
   private:
-    void Use(Random& random, Line& line, QXResult (*operation)(QXHandle)) {
-        const QXHandle semaphore = m_semaphores[random.Below(2)];
-        if (semaphore != nullptr) {
-            line.Result(operation(semaphore));
-        }
-    }
     QXResult Detach() {
         void* const view = std::exchange(m_view, nullptr);
         return view != nullptr ? QXSharedMemDetach(view) : QX_S_OK;
@@ -105,8 +80,7 @@ class SharedObjects {
         return m_mappings[0] != QX_INVALID_HANDLE || m_mappings[1] != QX_INVALID_HANDLE;
     }
 
-    const std::string m_name;
-    QXHandle m_semaphores[2] = {};
+    const std::string m_name = "transcript-" + std::to_string(std::random_device{}());
     QXHandle m_mappings[2] = {QX_INVALID_HANDLE, QX_INVALID_HANDLE};
     void* m_view = nullptr;
     bool m_mayWrite = false;
@@ -114,15 +88,12 @@ class SharedObjects {
 
 }  // namespace
 
-std::vector<Call> SharedCalls() {
-    const auto objects = std::make_shared<SharedObjects>();
+std::vector<Call> SharedMemoryCalls() {
+    const auto memory = std::make_shared<SharedMemory>();
     return {
-        {"QXNamedSemOpen", Member(objects, &SharedObjects::OpenSemaphore)},
-        {"QXNamedSemPost", Member(objects, &SharedObjects::Post), 2},
-        {"QXNamedSemTryWait", Member(objects, &SharedObjects::TryWait), 2},
-        {"QXSharedMemOpen", Member(objects, &SharedObjects::OpenMapping), 2},
-        {"QXSharedMemAttach", Member(objects, &SharedObjects::Attach), 2},
-        {"shared memory", Member(objects, &SharedObjects::Touch), 2},
-        {"QXSharedMemDetach", Member(objects, &SharedObjects::DetachTwice)},
+        {"QXSharedMemOpen", Member(memory, &SharedMemory::OpenMapping), 2},
+        {"QXSharedMemAttach", Member(memory, &SharedMemory::Attach), 2},
+        {"shared memory", Member(memory, &SharedMemory::Touch), 2},
+        {"QXSharedMemDetach", Member(memory, &SharedMemory::DetachTwice)},
     };
 }
