@@ -45,11 +45,35 @@ static void WriteVariable(void) {
     EXPECT(QXIsUtf8BomStr("marked") == 0);
 }
 
+/* An object of this program's, made as C makes one. */
+static QXResult OwnQuery(IQXUnknown* self, const GUID* interfaceID, void** result) {
+    const int known = QXComIsEqualGUID(interfaceID, &QX_IID_UNKNOWN);
+    *result = known ? self : NULL;
+    return known ? QX_S_OK : (QXResult)0x80004002;
+}
+
+static uint32_t OwnReferences(IQXUnknown* self) {
+    (void)self;
+    return 2;
+}
+
+static void UseOwnObject(void) {
+    static const IQXUnknownTable table = {OwnQuery, OwnReferences, OwnReferences};
+    IQXUnknown object = {&table};
+    void* found = NULL;
+    EXPECT(QX_FAILED(QX_E_FAIL) && QX_SUCCEEDED(2) && sizeof(wchar) == 2);
+    EXPECT(QX_SUCCEEDED(IQXUnknown_QueryInterface(&object, &QX_IID_UNKNOWN, &found)));
+    EXPECT(found == &object);
+    EXPECT(QX_FAILED(IQXUnknown_QueryInterface(&object, &QX_IID_CLASS_FACTORY, &found)));
+    EXPECT(IQXUnknown_AddRef(&object) == 2);
+}
+
 int main(int count, char** arguments) {
     wchar key[80];
     if (count != 2) {
         return 2;
     }
+    UseOwnObject();
     LibraryKey(key);
     EXPECT(Register(key, arguments[1]) == QX_S_OK);
     UseObject();

@@ -2,23 +2,10 @@
 #ifndef TESTS_CONFIG_INI_SUPPORT_H
 #define TESTS_CONFIG_INI_SUPPORT_H
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include "config/ini_file.h"
-
-// As bytes.
-inline void WriteFile(const std::filesystem::path& path, const std::string& bytes) {
-    std::ofstream(path, std::ios::binary) << bytes;
-}
-
-// With the platform's line ends as line feeds.
-inline std::string ReadTextFile(const std::filesystem::path& path) {
-    std::ifstream file(path);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
+#include "support/temporary_directory.h"
 
 inline std::u16string ValueOf(IniFile& file, const char16_t* section, const char16_t* key) {
     char16_t value[1024];

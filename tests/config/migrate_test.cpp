@@ -1,9 +1,5 @@
 #include <qxcore/system.h>
 
-#include <algorithm>
-#include <fstream>
-#include <iterator>
-
 #include "config/registry_support.h"
 #include "support/allocation_fault.h"
 #include "support/known_differences.h"
@@ -25,23 +21,14 @@ class Migration : public Registry {
     Migration() { fs::current_path(m_directory.Path()); }
     ~Migration() override { fs::current_path(m_before); }
 
-    static void Write(const std::string& bytes) {
-        std::ofstream("qxregistry.ini", std::ios::binary) << bytes;
-    }
-    static std::string Read() {
-        std::ifstream file("qxregistry.ini");
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
+    static void Write(const std::string& bytes) { WriteFile("qxregistry.ini", bytes); }
+    static std::string Read() { return ReadTextFile("qxregistry.ini"); }
     static bool FileIsThere() { return fs::exists("qxregistry.ini"); }
-    // "QX_HKEY_USER\name", of which tests need ASCII alone.
+    // "QX_HKEY_USER\name".
     static std::string UserSection() {
         char16_t name[127];
         EXPECT_EQ(QXGetUserName(name, 127), 0);
-        const std::u16string text = name;
-        std::string narrow = "QX_HKEY_USER\\";
-        std::transform(text.begin(), text.end(), std::back_inserter(narrow),
-                       [](char16_t unit) { return static_cast<char>(unit); });
-        return narrow;
+        return "QX_HKEY_USER\\" + fs::path(name).string();
     }
 
   private:

@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
 #include <qxcore/option.h>
 
-#include <algorithm>
-#include <random>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -111,6 +109,13 @@ TEST_F(OptionTest, LongOptionsAreFoundAndOthersMovedBehindThem) {
              {"prog - a -flag --file x b --file=y -- --flag", "5 3(x) 3(y) @6",
               "prog -flag --file x --file=y -- - a b --flag"},
              {"prog a b c", "@1"},
+             {"prog a b --flag c --file x d -flag e f g", "5 3(x) 5 @5",
+              "prog --flag --file x -flag a b c d e f g"},
+             {"prog a --file x y --file=z b c --flag -- d", "3(x) 3(z) 5 @6",
+              "prog --file x --file=z --flag -- a y b c d"},
+             {"prog a b c -- d --flag", "@2", "prog -- a b c d --flag"},
+             {"prog a --name= b --file", "4 63!3 @3", "prog --name= --file a b",
+              "Usage: option '--file' requires an argument\n"},
              {"prog --file= --file x", "3() 3(x) @4"},
              {"prog --name=1 --nam z", "4 4 @3"},
              {"prog --verb --version --vers", "63!0 2 2 @4", "",
@@ -203,13 +208,18 @@ TEST_F(OptionTest, ShortOptionsOfTheScanner) {
          "Usage: unrecognized option '-W x'\nUsage: option '-W flag' doesn't allow an argument\n"},
         {":W;", "prog -W file", "58!3 @3"},
         {"", "prog --verb", "1 @2", "", QX_OPTION_PERMUTE},
+        {"", "prog --fi", "63!0 @2", "Usage: option '--fi' is ambiguous\n", QX_OPTION_PERMUTE},
         {"f", "prog -f -flag -vers -x", "102 5 2 63!0 @5", "Usage: unrecognized option '-x'\n",
          QX_OPTION_PERMUTE | QX_OPTION_LONGONLY},
         {"x", "prog -xy", "120 63!0 @2", "Usage: unrecognized option '-y'\n", QX_OPTION_LONGONLY},
     };
     for (const auto& each : cases) {
         SCOPED_TRACE(each.vector);
-        const QXOptionRecord alike[] = {{"verbose", 0, 1}, {"verbosity", 0, 1}, {nullptr, 0, 0}};
+        const QXOptionRecord alike[] = {{"verbose", 0, 1},
+                                        {"verbosity", 0, 1},
+                                        {"file", 0, 5},
+                                        {"files", 1, 5},
+                                        {nullptr, 0, 0}};
         const bool isAlike = *each.shortOptions == '\0';
         Arguments arguments(Words(each.vector));
         testing::internal::CaptureStderr();
@@ -222,95 +232,6 @@ TEST_F(OptionTest, ShortOptionsOfTheScanner) {
         EXPECT_EQ(testing::internal::GetCapturedStderr(), each.complaint);
     }
     EXPECT_EQ(QXGetOptionInternal(0, nullptr, nullptr, nullptr, nullptr, 0), -1);
-}
-
-// The same by the whole vector at once: options and their arguments in front, the rest behind.
-struct Model {
-    explicit Model(const std::vector<std::string>& elements) : m_elements(elements) {
-        m_front = {elements[0]};
-        size_t i = 1;
-        for (; i < elements.size() && elements[i] != "--"; ++i) {
-            const std::string& element = elements[i];
-            if (element.size() < 2 || element[0] != '-') {
-                m_behind.push_back(element);
-                continue;
-            }
-            m_front.push_back(element);
-            i += Take(element.substr(element[1] == '-' ? 2 : 1), i);
-        }
-        if (i < elements.size()) {
-            m_front.push_back("--");
-            m_behind.insert(m_behind.end(), elements.begin() + static_cast<long>(i) + 1,
-                            elements.end());
-        }
-        m_trace += "@" + std::to_string(m_front.size());
-        m_front.insert(m_front.end(), m_behind.begin(), m_behind.end());
-    }
-
-    // How many elements its argument takes.
-    size_t Take(const std::string& text, size_t at) {
-        const size_t equal = text.find('=');
-        const std::string name = text.substr(0, equal);
-        std::vector<const QXOptionRecord*> fitting;
-        for (const QXOptionRecord* record = kRecords; record->name != nullptr; ++record) {
-            if (record->name == name) {
-                fitting = {record};
-                break;
-            }
-            if (std::string(record->name).starts_with(name)) {
-                fitting.push_back(record);
-            }
-        }
-        if (fitting.size() != 1) {
-            m_trace += "63!0 ";
-            return 0;
-        }
-        const std::string value = std::to_string(fitting[0]->value);
-        if (fitting[0]->hasArgument == 0 && equal != text.npos) {
-            m_trace += "63!" + value + " ";
-        } else if (fitting[0]->hasArgument != 1) {
-            m_trace += value + " ";
-        } else if (equal != text.npos) {
-            m_trace += value + "(" + text.substr(equal + 1) + ") ";
-        } else if (at + 1 < m_elements.size()) {
-            m_front.push_back(m_elements[at + 1]);
-            m_trace += value + "(" + m_elements[at + 1] + ") ";
-            return 1;
-        } else {
-            m_trace += "63!" + value + " ";
-        }
-        return 0;
-    }
-
-    const std::vector<std::string>& m_elements;
-    std::vector<std::string> m_front;
-    std::vector<std::string> m_behind;
-    std::string m_trace;
-};
-
-TEST_F(OptionTest, RandomVectorsAgreeWithASimpleModel) {
-    const std::vector<std::string> pieces = {"a",      "b",        "-",      "--",     "-flag",
-                                             "--file", "--file=1", "-name=", "--verb", "--version",
-                                             "-x",     "--=",      "-=2"};
-    std::mt19937 random(20);
-    QXGetOptionError = 0;
-    for (int round = 0; round < 50000; ++round) {
-        std::vector<std::string> elements = {"prog"};
-        for (size_t left = random() % 12; left > 0; --left) {
-            // "--" is rarer than the others, so that it does not end most vectors early.
-            const size_t pick = random() % pieces.size();
-            elements.push_back(pieces[pick == 3 && random() % 4 != 0 ? 0 : pick]);
-        }
-        Arguments arguments(elements);
-        const std::string before = arguments.Text();
-        const Model model(elements);
-        const std::string trace = Trace(
-            [&] { return QXGetOption(arguments.Count(), arguments.Vector(), kRecords, nullptr); });
-        ASSERT_EQ(trace, model.m_trace) << before;
-        ASSERT_TRUE(std::equal(model.m_front.begin(), model.m_front.end(), arguments.Vector()))
-            << before << " -> " << arguments.Text();
-    }
-    QXGetOptionError = 1;
 }
 
 }  // namespace

@@ -1,8 +1,10 @@
-// A directory of a test's own, removed with all that is in it.
+// A directory of a test's own, removed with all that is in it, and whole files.
 #ifndef TESTS_SUPPORT_TEMPORARY_DIRECTORY_H
 #define TESTS_SUPPORT_TEMPORARY_DIRECTORY_H
 
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <random>
 #include <string>
 
@@ -27,5 +29,21 @@ class TemporaryDirectory {
   private:
     std::filesystem::path m_path;
 };
+
+// As bytes.
+inline void WriteFile(const std::filesystem::path& path, const std::string& bytes) {
+    std::ofstream(path, std::ios::binary) << bytes;
+}
+
+inline std::string ReadFile(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// With the platform's line ends as line feeds.
+inline std::string ReadTextFile(const std::filesystem::path& path) {
+    std::ifstream file(path);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
 
 #endif

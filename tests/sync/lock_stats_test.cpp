@@ -1,30 +1,19 @@
 // The figures of measured mutexes, and the report on them.
-#include <gtest/gtest.h>
-#include <qxcore.h>
-
 #include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <regex>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <utility>
 #include <vector>
 
-#include "support/temporary_directory.h"
+#include "sync/lock_report_support.h"
 
 namespace {
-
-QXHandle NewMutex(const char* name, uint32_t flags = QX_MUTEX_STATS) {
-    QXHandle mutex = nullptr;
-    EXPECT_EQ(QX_S_OK, QXMutexCreate(name, flags, &mutex));
-    return mutex;
-}
 
 QXLockStats StatsOf(QXHandle mutex) {
     QXLockStats stats;
@@ -37,10 +26,7 @@ bool IsAllZero(const QXLockStats& stats) {
     return std::memcmp(&stats, &kZero, sizeof stats) == 0;
 }
 
-void Hold(QXHandle mutex) {
-    QXMutexAcquire(mutex);
-    QXMutexRelease(mutex);
-}
+using LockStats = LockReport;
 
 // Runs for at least so long.
 void Work(std::chrono::microseconds length) {
@@ -49,7 +35,7 @@ void Work(std::chrono::microseconds length) {
     }
 }
 
-TEST(LockStats, RecursionIsCountedAndMeasuredOnce) {
+TEST_F(LockStats, RecursionIsCountedAndMeasuredOnce) {
     const QXHandle mutex = NewMutex("");
     QXMutexTryAcquire(mutex);
     QXMutexAcquire(mutex);
@@ -69,11 +55,9 @@ TEST(LockStats, RecursionIsCountedAndMeasuredOnce) {
     Hold(mutex);
     EXPECT_EQ(once.maxHeldTime, StatsOf(mutex).maxHeldTime);
     EXPECT_LE(once.totalHeldTime, StatsOf(mutex).totalHeldTime);
-    QXMutexDestroy(mutex);
-    QXResetLockStats();
 }
 
-TEST(LockStats, OnlyMeasuredMutexesHaveFigures) {
+TEST_F(LockStats, OnlyMeasuredMutexesHaveFigures) {
     QXLockStats stats{1, 2, 3, 4, 5, 6, 7};
     const QXHandle plain = NewMutex("", QX_MUTEX_STATS | QX_MUTEX_NOSTATS);
     EXPECT_EQ(QX_E_NOTIMPL, QXGetLockStats(plain, &stats));
@@ -82,11 +66,9 @@ TEST(LockStats, OnlyMeasuredMutexesHaveFigures) {
     const QXHandle checked = NewMutex("", QX_MUTEX_CHECKED);
     Hold(checked);
     EXPECT_TRUE(IsAllZero(StatsOf(checked)));
-    QXMutexDestroy(plain);
-    QXMutexDestroy(checked);
 }
 
-TEST(LockStats, AHoldThatSpansAResetIsMeasuredInFull) {
+TEST_F(LockStats, AHoldThatSpansAResetIsMeasuredInFull) {
     const QXHandle mutex = NewMutex("");
     Hold(mutex);
     const auto start = std::chrono::steady_clock::now();
@@ -100,11 +82,9 @@ TEST(LockStats, AHoldThatSpansAResetIsMeasuredInFull) {
     EXPECT_GE(2 * most.count(), static_cast<double>(StatsOf(mutex).maxHeldTime));
     EXPECT_EQ(0, StatsOf(mutex).acquireCount);
     EXPECT_EQ(1, StatsOf(mutex).heldCount);
-    QXMutexDestroy(mutex);
-    QXResetLockStats();
 }
 
-TEST(LockStats, WaitsAndContentionAreMeasured) {
+TEST_F(LockStats, WaitsAndContentionAreMeasured) {
     const QXHandle mutex = NewMutex("");
     // Whether a waiter has come to block cannot be seen from outside, so it is tried until one has.
     while (StatsOf(mutex).contentionCount == 0) {
@@ -126,34 +106,14 @@ TEST(LockStats, WaitsAndContentionAreMeasured) {
     EXPECT_LT(0, StatsOf(mutex).totalAcquireTime);
     QXResetLockStats();
     EXPECT_EQ(0, StatsOf(mutex).contentionCount);
-    QXMutexDestroy(mutex);
-    QXResetLockStats();
 }
 
-class LockReport : public testing::Test {
-  protected:
-    void TearDown() override { QXResetLockStats(); }
-
-    std::filesystem::path Path() const { return m_directory.Path() / "report.csv"; }
-    QXResult Dump(const char* title = "t") const {
-        return QXDumpLockStats(title, Path().u16string().c_str());
-    }
-    // With plain line ends.
-    std::string Text() const { return TextOf(Path()); }
-    static std::string TextOf(const std::filesystem::path& path) {
-        std::ifstream file(path);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-    // What is between the three lines of the head and the tail of the first dump.
-    std::string Rows() const {
-        std::smatch found;
-        const std::string text = Text();
-        std::regex_search(text, found, std::regex("Contention Count\n([^]*?)EndLockStatistics"));
-        return found[1];
-    }
-
-    TemporaryDirectory m_directory;
-};
+// What is between the three lines of the head and the tail of the first dump.
+std::string RowsOf(const std::string& text) {
+    std::smatch found;
+    std::regex_search(text, found, std::regex("Contention Count\n([^]*?)EndLockStatistics"));
+    return found[1];
+}
 
 std::string Row(const char* label, QXHandle mutex, const char* name) {
     char address[17];
@@ -199,6 +159,7 @@ TEST_F(LockReport, LiveMutexesComeFirstAndEachKindByItsAddress) {
     std::sort(retired.begin(), retired.end());
     for (const auto& [mutex, name] : retired) {
         EXPECT_EQ(0, QXMutexDestroy(mutex));
+        std::erase(m_mutexes, mutex);
     }
     std::string expected;
     for (const auto& [mutex, name] : live) {
@@ -209,7 +170,7 @@ TEST_F(LockReport, LiveMutexesComeFirstAndEachKindByItsAddress) {
         past += Row("QX_DEL_MUTEX", mutex, name);
     }
     EXPECT_EQ(QX_S_OK, Dump());
-    EXPECT_EQ(expected + past, Rows());
+    EXPECT_EQ(expected + past, RowsOf(Text()));
 
     EXPECT_EQ(QX_S_OK, QXResetLockStats());
     std::filesystem::remove(Path());
@@ -218,9 +179,8 @@ TEST_F(LockReport, LiveMutexesComeFirstAndEachKindByItsAddress) {
     for (const auto& [mutex, name] : live) {
         EXPECT_TRUE(IsAllZero(StatsOf(mutex)));
         expected += Row("QX_MUTEX", mutex, name);
-        QXMutexDestroy(mutex);
     }
-    EXPECT_EQ(expected, Rows());
+    EXPECT_EQ(expected, RowsOf(Text()));
 }
 
 TEST_F(LockReport, NullMeansTheUsualTitleAndFile) {
@@ -228,7 +188,7 @@ TEST_F(LockReport, NullMeansTheUsualTitleAndFile) {
     std::filesystem::current_path(m_directory.Path());
     EXPECT_EQ(QX_S_OK, QXDumpLockStats(nullptr, nullptr));
     std::filesystem::current_path(before);
-    const std::string text = TextOf(m_directory.Path() / "qxlockstats.csv");
+    const std::string text = ReadTextFile(m_directory.Path() / "qxlockstats.csv");
     EXPECT_EQ(0u, text.find("BeginLockStatistics: LockStatsDump - ")) << text;
     EXPECT_NE(text.npos, text.find("\nEndLockStatistics: LockStatsDump - ")) << text;
 }
@@ -250,7 +210,8 @@ TEST_F(LockReport, IsWholeWhileMutexesComeAndGo) {
     for (int index = 0; index < kThreads; ++index) {
         threads.emplace_back([&] {
             for (int round = 0; round < kRounds; ++round) {
-                const QXHandle own = NewMutex("own", QX_MUTEX_STATS | QX_MUTEX_CHECKED);
+                QXHandle own = nullptr;
+                EXPECT_EQ(QX_S_OK, QXMutexCreate("own", QX_MUTEX_STATS | QX_MUTEX_CHECKED, &own));
                 Hold(shared);
                 Hold(own);
                 EXPECT_EQ(0, QXMutexDestroy(own));
@@ -266,11 +227,10 @@ TEST_F(LockReport, IsWholeWhileMutexesComeAndGo) {
         thread.join();
     }
     const std::regex row("QX_(DEL_)?MUTEX:0x[0-9A-F]{16}\\((shared|own)\\)(,[0-9]+){7}");
-    std::ifstream file(Path());
+    std::istringstream file(Text());
     for (std::string line; std::getline(file, line);) {
         EXPECT_TRUE(line.find(":0x") == line.npos || std::regex_match(line, row)) << line;
     }
-    QXMutexDestroy(shared);
 }
 
 }  // namespace

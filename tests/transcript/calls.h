@@ -134,6 +134,7 @@ class Argument {
 // What a result promises.
 constexpr auto kExact = [](auto result) { return result; };
 constexpr auto kSign = [](auto result) { return (result > 0) - (result < 0); };
+constexpr auto kAndErrno = [](auto result) { return result; };  // the same, with its errno
 constexpr auto kYesOrNo = [](auto result) { return result != 0; };
 
 template <auto kPromise = kExact, typename Result, typename... Parameters, typename... Kinds>
@@ -145,21 +146,23 @@ MakeCall Row(Result (*function)(Parameters...), Kinds... kinds) {
             (each.Draw(random, draft, line, false), ...);
             (each.Draw(random, draft, line, true), ...);
             errno = 0;
+            [[maybe_unused]] int error = 0;
             if constexpr (std::is_void_v<Result>) {
                 function(each.Get()...);
             } else if constexpr (std::is_pointer_v<Result>) {
                 using Unit = std::remove_pointer_t<Result>;
                 const Unit* const result = function(each.Get()...);
+                error = errno;
                 const Unit* base = nullptr;
                 ((base = base != nullptr ? base : each.template Base<Unit>()), ...);
                 line.Place("->", result, base);
             } else {
                 const auto result = kPromise(function(each.Get()...));
-                const int error = errno;
+                error = errno;
                 Print(line, "->", result);
-                if (error != 0) {
-                    line.Add("errno", error);
-                }
+            }
+            if constexpr (std::is_same_v<decltype(kPromise), decltype(kAndErrno)>) {
+                line.Add("errno", error);
             }
             (each.PrintWhatMayBeWritten(line), ...);
         };

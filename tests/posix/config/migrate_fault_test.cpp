@@ -8,9 +8,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <fstream>
-#include <iterator>
-
 #include "config/registry_support.h"
 #include "posix/support/forked_child.h"
 
@@ -32,14 +29,11 @@ class MigrationFault : public Registry {
         fs::current_path(m_directory.Path());
         ::chmod(".", 0755);
         ::chmod(m_registry.Folder().c_str(), 0777);
-        std::ofstream("qxregistry.ini") << kText;
+        WriteFile("qxregistry.ini", kText);
     }
     ~MigrationFault() override { fs::current_path("/"); }
 
-    static std::string Read() {
-        std::ifstream file("qxregistry.ini");
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
+    static std::string Read() { return ReadFile("qxregistry.ini"); }
 
   private:
     TemporaryDirectory m_directory;

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <pty.h>
 #include <qxcore/debug.h>
+#include <qxcore/mutex.h>
 #include <signal.h>
 #include <sys/ptrace.h>
 #include <sys/stat.h>
@@ -13,9 +14,8 @@
 
 #include <cstdarg>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <string>
+#include <thread>
 
 #include "posix/support/forked_child.h"
 #include "support/temporary_directory.h"
@@ -30,11 +30,6 @@ volatile sig_atomic_t s_traps = 0;
 void CountTraps() {
     s_traps = 0;
     signal(SIGTRAP, [](int) { s_traps = s_traps + 1; });
-}
-
-std::string ContentOf(const std::string& path) {
-    std::ifstream file(path);
-    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 std::string ReadAll(int descriptor) {
@@ -81,6 +76,36 @@ TEST(AlertDelivery, AnAssertionBreaksOrDoesWhatIsSet) {
         "6 Kestrane Services: Kestrane Services: Kestrane Services Debug Assertion "
         "Failed!\n\nFile: file.c\nLine: 7\n\nExpression: a < b\n",
         s_logged);
+}
+
+bool Says(const char* text) {
+    const std::string logged = std::exchange(s_logged, "");
+    return logged.find("QXCore Critical Error") != logged.npos && logged.find(text) != logged.npos;
+}
+
+TEST(CheckedMutexAlert, NamesTheCheckThatFailed) {
+    QXErrorAlertSetMethod(QX_ALERT_EVENTLOG);
+    QXHandle mutex = nullptr;
+    ASSERT_EQ(QX_S_OK, QXMutexCreate("", QX_MUTEX_CHECKED | QX_MUTEX_NONRECURSIVE, &mutex));
+    EXPECT_EQ(QX_E_FAIL, QXMutexRelease(mutex));
+    EXPECT_TRUE(Says("CQXCoreMutexChecked::preRelease m_owner check failed"));
+    QXMutexAcquire(mutex);
+    std::thread([&] { QXMutexTryAcquire(mutex); }).join();
+    EXPECT_EQ("", s_logged);  // busy, and no mistake
+    for (const auto operation : {QXMutexAcquire, QXMutexTryAcquire}) {
+        EXPECT_EQ(QX_E_FAIL, operation(mutex));
+        EXPECT_TRUE(Says("CQXCoreMutexChecked::preAcquire m_owner check failed"));
+    }
+    QXMutexRelease(mutex);
+    EXPECT_EQ("", s_logged);
+    QXMutexDestroy(mutex);
+    ASSERT_EQ(QX_S_OK, QXMutexCreate("", QX_MUTEX_CHECKED, &mutex));
+    for (int depth = 0; depth < 0x10000; ++depth) {
+        QXMutexAcquire(mutex);
+    }
+    EXPECT_EQ(QX_E_FAIL, QXMutexRelease(mutex));
+    EXPECT_TRUE(Says("CQXCoreMutexChecked::preRelease m_lockDepth check failed"));
+    QXMutexDestroy(mutex);
 }
 
 // What a traced or untraced child writes to its standard error. Its parent is untraced, and knows
@@ -130,9 +155,8 @@ class Dialogs : public testing::Test {
   protected:
     void Install(const std::string& name, const std::string& action) {
         const std::string path = m_directory.Path().string() + "/" + name;
-        std::ofstream(path) << "#!/bin/sh\nprintf '%s\\n' \"$0\" \"$@\" >>"
-                            << m_directory.Path().string() << "/calls\n"
-                            << action << "\n";
+        WriteFile(path, "#!/bin/sh\nprintf '%s\\n' \"$0\" \"$@\" >>" + m_directory.Path().string() +
+                            "/calls\n" + action + "\n");
         chmod(path.c_str(), 0700);
     }
     // The child's exit code: kWentOn and the number of its traps if the alert came back.
@@ -150,8 +174,6 @@ class Dialogs : public testing::Test {
                    ChildEnd::kThroughExitHandlers)
             .Wait();
     }
-    std::string Calls() { return ContentOf(m_directory.Path().string() + "/calls"); }
-
     TemporaryDirectory m_directory;
 };
 
@@ -175,7 +197,7 @@ TEST_F(Dialogs, GetTitleAndTextAsTheyAre) {
     Install("zenity", "exit 1");
     Install("xmessage", "echo Ignore");
     EXPECT_EQ(kWentOn, Ask());
-    const std::string calls = Calls();
+    const std::string calls = ReadFile(m_directory.Path() / "calls");
     EXPECT_NE(calls.npos, calls.find("--title=QXErrorAlert [Process ID "));
     EXPECT_NE(calls.npos, calls.find("--text=-text <b> \\n\n\nPress retry to debug the "
                                      "application.\n"));

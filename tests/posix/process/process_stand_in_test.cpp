@@ -193,9 +193,7 @@ TEST(ProcessStandIn, HandlesOfFilesAndPipesAreGivenTwiceAndCrosswise) {
     }
     EXPECT_EQ(0u, CodeOf(talker));
     EXPECT_EQ(QX_S_OK, QXFileClose(file));
-    std::string text;
-    std::getline(std::ifstream(path), text, '\0');
-    EXPECT_EQ("err\nend\nout\nend\n", text);
+    EXPECT_EQ("err\nend\nout\nend\n", ReadFile(path));
     QXHandle closed[3] = {nullptr, file, kPipe};
     EXPECT_EQ(QX_E_HANDLE, Start(u"/bin/true", u"", closed, &talker));
 }

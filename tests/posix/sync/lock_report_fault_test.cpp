@@ -1,46 +1,16 @@
 // Reports that cannot be written: a full disk, no memory, a pipe that nobody reads.
 #include <fcntl.h>
-#include <gtest/gtest.h>
-#include <qxcore.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 
-#include <fstream>
-#include <string>
-#include <vector>
-
 #include "support/allocation_fault.h"
-#include "support/temporary_directory.h"
+#include "sync/lock_report_support.h"
 
 namespace {
 
 constexpr char kLongName[] = "a name that is too long to be kept without an allocation";
 
-class LockReportFault : public testing::Test {
-  protected:
-    void TearDown() override {
-        for (const QXHandle mutex : m_mutexes) {
-            QXMutexDestroy(mutex);
-        }
-        QXResetLockStats();
-    }
-
-    QXHandle NewMutex(const char* name) {
-        QXHandle mutex = nullptr;
-        EXPECT_EQ(QX_S_OK, QXMutexCreate(name, QX_MUTEX_STATS, &mutex));
-        m_mutexes.push_back(mutex);
-        return mutex;
-    }
-    std::filesystem::path Path() const { return m_directory.Path() / "report.csv"; }
-    QXResult Dump() const { return QXDumpLockStats("t", Path().u16string().c_str()); }
-    std::string Text() const {
-        std::ifstream file(Path());
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-
-    TemporaryDirectory m_directory;
-    std::vector<QXHandle> m_mutexes;
-};
+using LockReportFault = LockReport;
 
 class FileSizeLimit {
   public:
@@ -109,8 +79,7 @@ TEST_F(LockReportFault, AMutexThatCouldNotBeRecordedIsMissingUntilItRetires) {
         FailAllocation(0);
         EXPECT_EQ(mutex == QX_INVALID_HANDLE ? QX_E_OUTOFMEMORY : QX_S_OK, result);
     }
-    QXMutexAcquire(mutex);
-    QXMutexRelease(mutex);
+    Hold(mutex);
     EXPECT_EQ(QX_S_OK, Dump());
     EXPECT_EQ(std::string::npos, Text().find("QX_MUTEX:"));
     EXPECT_EQ(QX_S_OK, QXMutexDestroy(mutex));

@@ -4,7 +4,6 @@
 #include <sys/wait.h>
 
 #include <cstdlib>
-#include <fstream>
 #include <string>
 
 #include "support/temporary_directory.h"
@@ -15,7 +14,7 @@ TEST(LockReportProgram, ExitStatusTellsWhatHappened) {
     const TemporaryDirectory directory;
     const std::filesystem::path report = directory.Path() / "report.csv";
     ASSERT_EQ(QX_S_OK, QXDumpLockStats("from the library", report.u16string().c_str()));
-    std::ofstream(directory.Path() / "other") << "no report\n";
+    WriteFile(directory.Path() / "other", "no report\n");
     struct Row {
         const char* arguments;
         int status;
@@ -44,8 +43,7 @@ TEST(LockReportProgram, ExitStatusTellsWhatHappened) {
         EXPECT_EQ(row.status == 0, std::filesystem::is_empty(directory.Path() / "errors"))
             << row.arguments;
         if (row.written != nullptr) {
-            std::ifstream page(directory.Path() / row.written);
-            const std::string text{std::istreambuf_iterator<char>(page), {}};
+            const std::string text = ReadFile(directory.Path() / row.written);
             EXPECT_NE(text.npos, text.find("\"from the library\"")) << row.arguments;
         }
     }

@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <cstring>
-#include <fstream>
 
 #include "support/child_role.h"
 #include "support/system.h"
@@ -74,14 +73,10 @@ TEST(QxregStore, ARestoreTakesOnlyABackupOfThatStore) {
     EXPECT_EQ(1, Qxreg({"backup", folder + "/none"}));
     ASSERT_TRUE(SetNumber(u"a", 7));
     ASSERT_EQ(0, Qxreg({"backup", folder + "/good"}));
-    std::ofstream(folder + "/text") << std::string(8192, 'x');
-    std::ofstream(folder + "/empty");
-    {
-        std::ifstream good(folder + "/good", std::ios::binary);
-        std::string bytes{std::istreambuf_iterator<char>(good), {}};
-        std::fill(bytes.begin() + 4096, bytes.end(), '\x55');
-        std::ofstream(folder + "/damaged", std::ios::binary) << bytes;
-    }
+    const std::string good = ReadFile(folder + "/good");
+    WriteFile(folder + "/text", std::string(8192, 'x'));
+    WriteFile(folder + "/empty", "");
+    WriteFile(folder + "/damaged", good.substr(0, 4096) + std::string(good.size() - 4096, '\x55'));
     for (const char* name : {"/missing", "/text", "/empty", "/damaged"}) {
         EXPECT_EQ(1, Qxreg({"restore", folder + name})) << name;
     }
@@ -95,7 +90,7 @@ TEST(QxregStore, ARestoreTakesOnlyABackupOfThatStore) {
     ASSERT_EQ(0, Qxreg({"restore", folder + "/good"}));
     EXPECT_EQ(0, Qxreg({"get", "user\\Pair", "a"}));
     // A file of something else is not overwritten.
-    std::ofstream(folder + "/machine.db") << "something else";
+    WriteFile(folder + "/machine.db", "something else");
     EXPECT_EQ(1, Qxreg({"backup", "--machine", folder + "/other"}));
 }
 
@@ -121,12 +116,11 @@ TEST(QxregStore, NoNumberOfAKeyIsGivenAgainByARestore) {
 TEST(QxregProgress, ShowsOnATerminalOnly) {
     const OwnRegistry registry;
     const std::string folder = registry.Folder();
-    std::ofstream file(folder + "/long.reg");
-    file << "Windows Registry Editor Version 5.00\n[HKEY_CURRENT_USER\\Long]\n";
+    std::string text = "Windows Registry Editor Version 5.00\n[HKEY_CURRENT_USER\\Long]\n";
     for (int i = 0; i < 1200; ++i) {
-        file << '"' << i << "\"=dword:1\n";
+        text += '"' + std::to_string(i) + "\"=dword:1\n";
     }
-    file.close();
+    WriteFile(folder + "/long.reg", text);
     const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY);
     ASSERT_TRUE(terminal >= 0 && ::grantpt(terminal) == 0 && ::unlockpt(terminal) == 0);
     const int screen = ::open(::ptsname(terminal), O_RDWR | O_NOCTTY);
