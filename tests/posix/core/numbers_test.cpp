@@ -106,8 +106,6 @@ TEST(Numbers, AreTheLastErrorsOfOtherOperations) {
     CloseHandle(mapping);
     const Row rows[] = {
         {"no file", kErrorFileNotFound, [&] { return open(missing, kGenericRead, kOpenExisting); }},
-        {"no directory", kErrorPathNotFound,
-         [&] { return open(missing + u"/x", kGenericRead, kOpenExisting); }},
         {"a file that is there", kErrorFileExists,
          [&] { return open(full, kGenericWrite, kCreateNew); }},
         {"a directory", kErrorAccessDenied,
