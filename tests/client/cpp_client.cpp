@@ -1,5 +1,5 @@
-// A program in C++ that uses the installed library and a component library, as a module that has
-// marked itself initialised and finds the class by its program id.
+// A program in C++ that uses the installed library and a component library, whose class it finds by
+// its program id.
 //   cpp_client COMPONENT_LIBRARY
 #include <cstring>
 #include <string>
@@ -47,24 +47,6 @@ void UseObject(const char* mark) {
     EXPECT(QXIsUtf8BomStr(mark) == 1);
 }
 
-// The component library by its name, without the component model.
-void LoadAsModule(const std::u16string& path) {
-    const QXModuleToken token = &failures;
-    QXHandle library = nullptr;
-    EXPECT(QXModuleLibOpen(token, path.c_str(), &library) == QX_E_NOTINITIALIZED);
-    EXPECT(QXModuleSetInitialized(token, 1) == QX_S_OK);
-    EXPECT(QXModuleLibOpen(token, path.c_str(), &library) == QX_S_OK);
-    void* symbol = nullptr;
-    EXPECT(QXLibGetSymbol(library, u"DllGetClassObject", &symbol) == QX_S_OK);
-    void* factory = nullptr;
-    if (symbol != nullptr) {
-        const auto getClassObject = reinterpret_cast<QXGetClassObjectFunction>(symbol);
-        EXPECT(getClassObject(&kTallyClass, &QX_IID_CLASS_FACTORY, &factory) == QX_S_OK);
-    }
-    EXPECT(QXModuleLibClose(token, library) == QX_S_OK);
-    EXPECT(QXModuleSetInitialized(token, 0) == QX_S_OK);
-}
-
 }  // namespace
 
 int main(int count, char** arguments) {
@@ -79,7 +61,6 @@ int main(int count, char** arguments) {
         UseObject(mark);
         EXPECT(QXComFlushFactoryCache() == QX_S_OK);  // unloads the component library
     }
-    LoadAsModule(path);
     EXPECT(QXRegistryDeleteKey(QX_HKEY_CLASSES_64, key.c_str()) == 0);
     EXPECT(QXRegistryDeleteKey(QX_HKEY_CLASSES_64, kProgram) == 0);
     return failures != 0;

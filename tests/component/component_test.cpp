@@ -3,13 +3,13 @@
 
 #include <algorithm>
 #include <atomic>
-#include <fstream>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "support/allocation_fault.h"
 #include "support/child_role.h"
+#include "support/failure.h"
 #include "support/registered_classes.h"
 #include "support/witness.h"
 
@@ -91,25 +91,22 @@ TEST_F(Component, FailedLookupsLeaveNullAndAnUntouchedObjectPointer) {
         {"a reference that does not fit", u"%QXCORE_LONG_VALUE%", QX_E_NOTREGISTERED},
         {"a path that does not fit", std::u16string(261, u'x'), QX_E_NOTREGISTERED},
     };
-    std::ofstream(std::filesystem::path(folder) / "text.so") << "this is not a library";
+    WriteFile(folder + u"/text.so", "this is not a library");
     SetEnvironment("QXCORE_LONG_VALUE", std::string(300, 'x'));
     for (const Row& row : rows) {
         m_classes.Register(kPlain, row.library, QX_REG_EXPAND_STRING);
         void* factory = &factory;
+        void* object = &object;
+        const GUID classID = WitnessClass(kPlain);
+        const ErrnoStays errnoStays;
         EXPECT_EQ(row.result, Lookup(kPlain, &factory)) << row.what;
         EXPECT_EQ(nullptr, factory) << row.what;
-        const GUID classID = WitnessClass(kPlain);
-        void* object = &object;
         EXPECT_EQ(row.result, QXComCreateObject(&classID, nullptr, &QX_IID_UNKNOWN, &object));
         EXPECT_EQ(&object, object) << row.what;
     }
     m_classes.Unregister(kPlain);
     m_classes.RegisterWithoutPath(kPlain);
     EXPECT_EQ(QX_E_NOTREGISTERED, Touch(kPlain));
-    m_classes.Register(kRefuses, m_classes.WitnessPath());
-    void* factory = &factory;
-    EXPECT_EQ(kWitnessRefusal, Lookup(kRefuses, &factory));
-    EXPECT_EQ(nullptr, factory);
 }
 
 TEST_F(Component, PathMayLackItsTerminatorAndReferToTheEnvironment) {
@@ -147,32 +144,40 @@ TEST_F(Component, ProgramIdsFailAsTheirKindOfFault) {
     EXPECT_EQ(QX_S_OK, QXComClassIDFromProgID(u"Witness.Unended", &classID));
 }
 
-TEST_F(Component, RefusedInterfaceLeavesTheClassCached) {
-    m_classes.Register(kPlain, m_classes.WitnessPath());
-    ASSERT_EQ(QX_S_OK, Touch(kPlain));
-    void* result = &result;
-    EXPECT_EQ(kNoInterface, Lookup(kPlain, &result, WitnessClass(kPlain)));
-    EXPECT_EQ(nullptr, result);
-    EXPECT_EQ(QX_S_OK, Touch(kPlain));
-    EXPECT_EQ("loaded asked ", m_classes.TakeLog());
-}
-
-TEST_F(Component, LibraryMayComeBackWhileItIsAsked) {
-    m_classes.Register(kPlain, m_classes.WitnessPath());
-    m_classes.Register(kComesBack, m_classes.WitnessPath());
-    EXPECT_EQ(QX_S_OK, Touch(kComesBack));
-    EXPECT_EQ("loaded asked asked ", m_classes.TakeLog());
-    EXPECT_EQ(QX_S_OK, Touch(kPlain));
-    EXPECT_EQ("", m_classes.TakeLog());
-}
-
-TEST_F(Component, NullFactoryIsCachedAndLetGo) {
-    m_classes.Register(kNullFactory, m_classes.WitnessPath());
-    void* factory = &factory;
-    EXPECT_EQ(QX_S_OK, Lookup(kNullFactory, &factory));
-    EXPECT_EQ(nullptr, factory);
-    EXPECT_EQ(QX_S_OK, QXComFlushFactoryCache());
-    EXPECT_EQ("loaded asked unloaded ", m_classes.TakeLog());
+TEST_F(Component, CachesWhatALibraryGaveAndNoRefusals) {
+    struct Row {
+        const char* what;
+        WitnessBehaviour behaviour;
+        QXResult result;
+        const GUID& interfaceID;
+        const char* log;
+        bool flushes = false;
+    };
+    const GUID odd = WitnessClass(kPlain);
+    const Row rows[] = {
+        {"first lookup", kPlain, QX_S_OK, QX_IID_CLASS_FACTORY, "loaded asked "},
+        {"refused interface", kPlain, kNoInterface, odd, ""},
+        {"which leaves the class", kPlain, QX_S_OK, QX_IID_CLASS_FACTORY, ""},
+        {"refusing library", kRefuses, kWitnessRefusal, QX_IID_CLASS_FACTORY, "asked "},
+        {"and again", kRefuses, kWitnessRefusal, QX_IID_CLASS_FACTORY, "asked "},
+        {"null factory", kNullFactory, QX_S_OK, QX_IID_CLASS_FACTORY, "asked released unloaded ",
+         true},
+        {"a library that comes back", kComesBack, QX_S_OK, QX_IID_CLASS_FACTORY,
+         "loaded asked asked "},
+        {"for the class that it asked for", kPlain, QX_S_OK, QX_IID_CLASS_FACTORY,
+         "released released unloaded ", true},
+    };
+    for (const Row& row : rows) {
+        m_classes.Register(row.behaviour, m_classes.WitnessPath());
+        void* factory = &factory;
+        EXPECT_EQ(row.result, Lookup(row.behaviour, &factory, row.interfaceID)) << row.what;
+        EXPECT_EQ(QX_FAILED(row.result) || row.behaviour == kNullFactory, factory == nullptr);
+        if (factory != nullptr) {
+            IQXUnknown_Release(factory);
+        }
+        EXPECT_EQ(QX_S_OK, row.flushes ? QXComFlushFactoryCache() : QX_S_OK);
+        EXPECT_EQ(row.log, m_classes.TakeLog()) << row.what;
+    }
 }
 
 TEST_F(Component, ExceptionOfAComponentIsAResult) {

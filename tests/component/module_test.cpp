@@ -5,8 +5,8 @@
 #include <thread>
 #include <vector>
 
+#include "support/failure.h"
 #include "support/registered_classes.h"
-#include "support/witness.h"
 
 namespace {
 
@@ -86,6 +86,7 @@ TEST(Library, SymbolsAreTheLibrarysOwn) {
     ASSERT_EQ(QX_S_OK, QXLibOpen(RegisteredClasses::HollowPath().c_str(), &hollow));
     void* symbol = &symbol;
     for (const char16_t* name : {u"", u"DllGetClassObject", u"malloc", u"nothing"}) {
+        const ErrnoStays errnoStays;
         EXPECT_EQ(QX_E_FAIL, QXLibGetSymbol(hollow, name, &symbol));
         EXPECT_EQ(nullptr, symbol);
     }
@@ -93,6 +94,7 @@ TEST(Library, SymbolsAreTheLibrarysOwn) {
     EXPECT_NE(nullptr, symbol);
     EXPECT_EQ(QX_S_OK, QXLibClose(hollow));
     for (const QXHandle none : {QXHandle{nullptr}, QX_INVALID_HANDLE}) {
+        const ErrnoStays errnoStays;
         EXPECT_EQ(QX_E_FAIL, QXLibGetSymbol(none, u"malloc", &symbol));
         EXPECT_EQ(nullptr, symbol);
         EXPECT_EQ(none == nullptr ? QX_E_HANDLE : QX_E_FAIL, QXLibClose(none));

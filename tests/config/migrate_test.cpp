@@ -2,7 +2,7 @@
 
 #include "config/registry_support.h"
 #include "support/allocation_fault.h"
-#include "support/known_differences.h"
+#include "support/failure.h"
 
 namespace {
 
@@ -97,6 +97,7 @@ TEST_F(Migration, RefusesUnknownKindsBeforeItTouchesAnything) {
     Write(text);
     for (const auto& [source, destination] :
          {std::pair{kNative, 5u}, {5u, kNative}, {kIni, 2u}, {2u, 2u}, {0xFFFFFFFF, kIni}}) {
+        const ErrnoStays errnoStays;
         EXPECT_EQ(Migrate(source, destination), QX_E_BADKEY);
     }
     EXPECT_EQ(Read(), text);

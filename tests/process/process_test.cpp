@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "support/child_role.h"
+#include "support/failure.h"
 #include "support/system.h"
 
 namespace {
@@ -189,6 +190,7 @@ TEST(Process, WhatCannotStartIsToldAndLeavesNothingOpen) {
         for (const auto& each : cases) {
             QXHandle ends[3] = {QX_INVALID_HANDLE, QX_INVALID_HANDLE, QX_INVALID_HANDLE};
             QXHandle child = nullptr;
+            const ErrnoStays errnoStays;
             EXPECT_EQ(each.result, TryRole(u"Exit 0",
                                            {.program = each.program,
                                             .directory = each.directory,

@@ -7,7 +7,7 @@
 #include <thread>
 #include <vector>
 
-#include "support/known_differences.h"
+#include "support/failure.h"
 #include "support/unique_name.h"
 
 namespace {
@@ -121,6 +121,7 @@ TEST(SharedMem, FlagsDecideBetweenOpeningAndCreating) {
         const std::string name = UniqueName();
         QXHandle semaphore = OpenSemaphore(name, 0);  // another name space
         QXHandle mapping;
+        const ErrnoStays errnoStays;
         EXPECT_EQ(row.whenMissing, OpenMemory(name, row.flags, row.size, &mapping)) << row.flags;
         EXPECT_EQ(QX_FAILED(row.whenMissing), mapping == QX_INVALID_HANDLE) << row.flags;
         if (QX_SUCCEEDED(row.whenMissing)) {
@@ -215,6 +216,7 @@ TEST(SharedMem, WhatIsNoHandleOrViewIsRefused) {
     EXPECT_EQ(QX_E_HANDLE, QXSharedMemClose(mapping));
     EXPECT_EQ(QX_E_HANDLE, QXSharedMemClose(nullptr));
     void* none = &none;
+    const ErrnoStays errnoStays;
     EXPECT_EQ(QX_E_HANDLE, QXSharedMemAttach(mapping, kReadWrite, &none));
     EXPECT_EQ(&none, none);
     std::vector<char> memory(4096, 'm');

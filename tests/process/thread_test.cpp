@@ -6,6 +6,8 @@
 #include <thread>
 #include <vector>
 
+#include "support/failure.h"
+
 namespace {
 
 void* Value(uint64_t value) {
@@ -48,6 +50,7 @@ TEST(Thread, JoinGivesTheLowHalfOfTheResultOnce) {
         EXPECT_EQ(result & 0xFFFFFFFF, exitValue);
         EXPECT_EQ(1, QXThreadIsFinished(thread));
         exitValue = 5;
+        const ErrnoStays errnoStays;
         EXPECT_EQ(QX_E_HANDLE, QXThreadJoin(thread, &exitValue));
         EXPECT_EQ(0u, exitValue);
         EXPECT_EQ(QX_E_HANDLE, QXThreadJoin(thread, nullptr));

@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "support/failure.h"
 #include "sync/lock_report_support.h"
 
 namespace {
@@ -195,9 +196,10 @@ TEST_F(LockReport, NullMeansTheUsualTitleAndFile) {
 
 TEST_F(LockReport, APathThatCannotBeOpenedIsAResult) {
     const std::filesystem::path missing = m_directory.Path() / "missing" / "report.csv";
-    EXPECT_EQ(QX_E_FAIL, QXDumpLockStats("t", missing.u16string().c_str()));
-    EXPECT_EQ(QX_E_FAIL, QXDumpLockStats("t", m_directory.Path().u16string().c_str()));
-    EXPECT_EQ(QX_E_FAIL, QXDumpLockStats("t", u""));
+    for (const std::u16string& path : {missing.u16string(), m_directory.Path().u16string(), {}}) {
+        const ErrnoStays errnoStays;
+        EXPECT_EQ(QX_E_FAIL, QXDumpLockStats("t", path.c_str()));
+    }
     EXPECT_TRUE(std::filesystem::is_empty(m_directory.Path()));
 }
 

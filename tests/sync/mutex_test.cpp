@@ -2,9 +2,7 @@
 #include <qxcore/lockstats.h>
 #include <qxcore/mutex.h>
 
-#include <atomic>
 #include <thread>
-#include <vector>
 
 namespace {
 
@@ -52,52 +50,6 @@ TEST(Mutex, ReleaseByAStrangerIsNeitherRefusedNorReported) {
     QXMutexAcquire(mutex);
     std::thread([&] { EXPECT_EQ(QX_S_OK, QXMutexRelease(mutex)); }).join();
     EXPECT_EQ(QX_S_OK, TryInAnotherThread(mutex));
-}
-
-TEST(Mutex, KeepsThreadsApart) {
-    constexpr int kThreads = 4;
-    constexpr int kRounds = 5000;
-    for (const uint32_t flags : {0u, QX_MUTEX_SPIN}) {
-        const Mutex mutex(flags);
-        long shared = 0;
-        std::vector<std::thread> threads;
-        for (int index = 0; index < kThreads; ++index) {
-            threads.emplace_back([&] {
-                for (int round = 0; round < kRounds; ++round) {
-                    if (round % 3 != 0 || QX_FAILED(QXMutexTryAcquire(mutex))) {
-                        QXMutexAcquire(mutex);
-                    }
-                    ++shared;
-                    QXMutexRelease(mutex);
-                }
-            });
-        }
-        for (std::thread& thread : threads) {
-            thread.join();
-        }
-        EXPECT_EQ(long{kThreads} * kRounds, shared);
-    }
-}
-
-TEST(Mutex, WaiterSleepsUntilTheHolderLeaves) {
-    const Mutex mutex;
-    QXMutexAcquire(mutex);
-    std::atomic<bool> left{false};
-    std::atomic<bool> started{false};
-    bool inOrder = false;
-    std::thread waiter([&] {
-        started = true;
-        QXMutexAcquire(mutex);
-        inOrder = left;
-        QXMutexRelease(mutex);
-    });
-    while (!started) {
-        std::this_thread::yield();
-    }
-    left = true;
-    QXMutexRelease(mutex);
-    waiter.join();
-    EXPECT_TRUE(inOrder);
 }
 
 TEST(Mutex, FlagsDecideTheKind) {

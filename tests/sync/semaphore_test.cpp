@@ -1,9 +1,6 @@
 #include <gtest/gtest.h>
 #include <qxcore/semaphore.h>
 
-#include <atomic>
-#include <thread>
-
 namespace {
 
 constexpr uint32_t kMaximum = 32767;
@@ -38,29 +35,6 @@ TEST(Semaphore, ACountBeyondTheMaximumIsRefused) {
         EXPECT_EQ(QX_INVALID_HANDLE, semaphore);
     }
     EXPECT_EQ(QX_S_OK, QXSemaphoreDestroy(nullptr));
-}
-
-TEST(Semaphore, TwoThreadsHandTheProcessorToEachOther) {
-    constexpr int kRounds = 2000;
-    const QXHandle there = MakeSemaphore(0);
-    const QXHandle back = MakeSemaphore(0);
-    int turns = 0;
-    std::thread other([&] {
-        for (int round = 0; round < kRounds; ++round) {
-            QXSemaphoreWait(there);
-            ++turns;
-            QXSemaphorePost(back);
-        }
-    });
-    for (int round = 0; round < kRounds; ++round) {
-        ASSERT_EQ(2 * round, turns);
-        ++turns;
-        QXSemaphorePost(there);
-        QXSemaphoreWait(back);
-    }
-    other.join();
-    EXPECT_EQ(QX_S_OK, QXSemaphoreDestroy(there));
-    EXPECT_EQ(QX_S_OK, QXSemaphoreDestroy(back));
 }
 
 }  // namespace

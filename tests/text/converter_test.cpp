@@ -22,44 +22,37 @@ Converter Open(const char16_t* name) {
     return Converter(QXEncToW_Open(name));
 }
 
-struct Wide {
+template <typename Unit>
+struct Converted {
     QXResult result;
-    std::u16string text;
+    std::basic_string<Unit> text;
     size_t read;
 };
 
 // The whole text through Convert and Flush; the first failure ends it.
-Wide ToWide(QXEncConverter* converter, std::string_view bytes) {
-    ExactBlock<char> block(bytes);
-    const char* source = block.Begin();
-    std::u16string text(2 * bytes.size() + 2, u'#');
-    char16_t* target = text.data();
-    char16_t* const limit = target + text.size();
-    QXResult result = QXEncToW_Convert(converter, &source, block.End(), &target, limit);
+template <typename To, typename From>
+Converted<To> Through(QXEncConverter* converter, std::basic_string_view<From> source,
+                      QXResult (*convert)(QXEncConverter*, const From**, const From*, To**, To*),
+                      QXResult (*flush)(QXEncConverter*, To**, To*)) {
+    ExactBlock<From> block(source);
+    const From* from = block.Begin();
+    std::basic_string<To> text(8 * source.size() + 8, '#');
+    To* target = text.data();
+    To* const limit = target + text.size();
+    QXResult result = convert(converter, &from, block.End(), &target, limit);
     if (QX_SUCCEEDED(result)) {
-        result = QXEncToW_Flush(converter, &target, limit);
+        result = flush(converter, &target, limit);
     }
     text.resize(static_cast<size_t>(target - text.data()));
-    return {result, text, static_cast<size_t>(source - block.Begin())};
+    return {result, text, static_cast<size_t>(from - block.Begin())};
 }
 
-struct Narrow {
-    QXResult result;
-    std::string bytes;
-};
+Converted<char16_t> ToWide(QXEncConverter* converter, std::string_view bytes) {
+    return Through<char16_t>(converter, bytes, QXEncToW_Convert, QXEncToW_Flush);
+}
 
-Narrow FromWide(QXEncConverter* converter, std::u16string_view text) {
-    ExactBlock<char16_t> block(text);
-    const char16_t* source = block.Begin();
-    std::string bytes(8 * text.size() + 8, '#');
-    char* target = bytes.data();
-    char* const limit = target + bytes.size();
-    QXResult result = QXEncFromW_Convert(converter, &source, block.End(), &target, limit);
-    if (QX_SUCCEEDED(result)) {
-        result = QXEncFromW_Flush(converter, &target, limit);
-    }
-    bytes.resize(static_cast<size_t>(target - bytes.data()));
-    return {result, bytes};
+Converted<char> FromWide(QXEncConverter* converter, std::u16string_view text) {
+    return Through<char>(converter, text, QXEncFromW_Convert, QXEncFromW_Flush);
 }
 
 TEST(Converter, IsChosenByNameAndFallsBackToLatin1) {
@@ -81,7 +74,7 @@ TEST(Converter, IsChosenByNameAndFallsBackToLatin1) {
     for (const Row& row : kRows) {
         const Converter converter = Open(row.name.c_str());
         EXPECT_EQ(row.text, ToWide(converter.get(), row.bytes).text) << row.bytes;
-        EXPECT_EQ(row.bytes, FromWide(converter.get(), row.text).bytes);
+        EXPECT_EQ(row.bytes, FromWide(converter.get(), row.text).text);
     }
     EXPECT_EQ("", testing::internal::GetCapturedStdout());
     QXEncToW_Close(nullptr);
@@ -175,8 +168,8 @@ TEST(Converter, PutsTheSubstituteForWhatItCannotHold) {
     for (const Row& row : kRows) {
         const Converter converter = Open(row.name);
         EXPECT_EQ(row.set, QXEncFromW_SetSubstitutionChar(converter.get(), row.substitution));
-        const Narrow narrow = FromWide(converter.get(), text);
-        EXPECT_EQ(row.bytes, narrow.bytes) << row.substitution;
+        const Converted<char> narrow = FromWide(converter.get(), text);
+        EXPECT_EQ(row.bytes, narrow.text) << row.substitution;
         EXPECT_EQ(row.result, narrow.result);
     }
     const Converter stopped = Open(u"CP1252");
@@ -207,8 +200,8 @@ TEST(Converter, TruncatedTextIsRefusedByTheFlush) {
         for (size_t cut = 0; cut <= sample.bytes.size(); ++cut) {
             const Converter converter = Open(sample.name);
             QXEncToW_SetSubstitutionChar(converter.get(), -1);
-            const Wide wide = ToWide(converter.get(), sample.bytes.substr(0, cut));
-            const bool isWhole = FromWide(converter.get(), wide.text).bytes.size() == cut;
+            const Converted<char16_t> wide = ToWide(converter.get(), sample.bytes.substr(0, cut));
+            const bool isWhole = FromWide(converter.get(), wide.text).text.size() == cut;
             EXPECT_EQ(isWhole ? QX_S_OK : QX_E_ILLEGALCHAR, wide.result) << cut;
             EXPECT_EQ(cut, wide.read);
             EXPECT_EQ(sample.text.substr(0, wide.text.size()), wide.text);

@@ -283,22 +283,20 @@ TEST_F(QxregTest, NothingIsImportedOfAFileThatIsMalformed) {
 }
 
 TEST(QxregFile, TellsTheViewOfAKey) {
-    const Key keys[] = {
-        {QX_HKEY_CLASSES, u"x"},
-        {QX_HKEY_CONFIG, u"Software\\x"},
-        {QX_HKEY_CONFIG_64, u"Software\\WOW6432Node\\x"},
-        {QX_HKEY_USER, u"x"},
-        {QX_HKEY_CLASSES_64, u"WOW6432Node"},
-    };
     RegWriter writer;
+    const std::vector<Key> keys = {{QX_HKEY_CLASSES, u"x"},
+                                   {QX_HKEY_CONFIG, u"Software\\x"},
+                                   {QX_HKEY_CONFIG_64, u"Software\\WOW6432Node\\x"},
+                                   {QX_HKEY_USER, u"x"},
+                                   {QX_HKEY_CLASSES_64, u"WOW6432Node"}};
+    std::vector<Key> read;
     for (const Key& key : keys) {
         writer.AddKey(key, {});
     }
-    const std::vector<RegKey> read = ParseRegFile(writer.Encode(RegEncoding::kUtf8), 0);
-    ASSERT_EQ(std::size(keys), read.size());
-    for (std::size_t i = 0; i < read.size(); ++i) {
-        EXPECT_EQ(keys[i], read[i].m_key) << i;
+    for (const RegKey& key : ParseRegFile(writer.Encode(RegEncoding::kUtf8), 0)) {
+        read.push_back(key.m_key);
     }
+    EXPECT_EQ(keys, read);
     struct Row {
         const char* m_name;
         int m_view;

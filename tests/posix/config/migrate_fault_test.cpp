@@ -3,8 +3,6 @@
 #include <qxcore/named_semaphore.h>
 #include <qxcore/registry.h>
 #include <qxcore/result.h>
-#include <sched.h>
-#include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -82,14 +80,6 @@ TEST_F(MigrationFault, APipeInTheFilesPlaceHoldsNobodyUp) {
     ::alarm(0);
 }
 
-// Named objects that nobody else has: a killed holder would stop everybody who uses the semaphore
-// meanwhile.
-bool EnterOwnNamedObjects() {
-    return ::unshare(CLONE_NEWNS) == 0 &&
-           ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
-           ::mount("tmpfs", "/dev/shm", "tmpfs", 0, "mode=1777") == 0;
-}
-
 int HoldAndBeKilled() {
     QXHandle semaphore;
     if (QXNamedSemOpen("QXCore_IniFileLock", 1, &semaphore) != 0 ||
@@ -106,7 +96,8 @@ TEST_F(MigrationFault, AHolderThatWasKilledHoldsNobodyUp) {
     }
     constexpr int kUnavailable = 77;
     const int code = ForkedChild([] {
-                         if (!EnterOwnNamedObjects()) {
+                         // A killed holder would stop everybody who uses the semaphore meanwhile.
+                         if (!MountForThisProcess("/dev/shm", "mode=1777")) {
                              return kUnavailable;
                          }
                          if (ForkedChild(HoldAndBeKilled).Wait() != -1) {

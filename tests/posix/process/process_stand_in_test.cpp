@@ -121,22 +121,20 @@ TEST(ProcessStandIn, SignalsAreAtTheirDefaultsInTheChild) {
     EXPECT_EQ(1, ::sigismember(&now, SIGUSR1));
 }
 
-TEST(ProcessStandIn, CodeTellsTheSignalThatEndedTheChild) {
-    QXHandle child = nullptr;
-    EXPECT_EQ(QX_S_OK, Start(u"/bin/sh", u"-c \"kill -9 $$\"", nullptr, &child));
-    EXPECT_EQ(137u, CodeOf(child));
-    EXPECT_EQ(QX_S_OK, Start(u"/bin/sh", u"-c \"exit 259\"", nullptr, &child));
-    EXPECT_EQ(3u, CodeOf(child));
-}
-
-TEST(ProcessStandIn, CodeThatTheHostHasThrownAwayOrCollectedIsAllOnes) {
-    ::signal(SIGCHLD, SIG_IGN);
-    QXHandle child = nullptr;
-    EXPECT_EQ(QX_S_OK, Start(u"/bin/sh", u"-c \"exit 4\"", nullptr, &child));
-    EXPECT_EQ(0xFFFFFFFF, CodeOf(child));
+TEST(ProcessStandIn, CodeIsTheHostsOrTellsTheSignalOrIsLost) {
+    const auto codeOf = [](const char16_t* script) {
+        QXHandle child = nullptr;
+        EXPECT_EQ(QX_S_OK, Start(u"/bin/sh", Wide(u"-c \"") + script + u"\"", nullptr, &child));
+        return CodeOf(child);
+    };
+    EXPECT_EQ(137u, codeOf(u"kill -9 $$"));
+    EXPECT_EQ(3u, codeOf(u"exit 259"));
+    ::signal(SIGCHLD, SIG_IGN);  // throws codes away
+    EXPECT_EQ(0xFFFFFFFF, codeOf(u"exit 4"));
     ::signal(SIGCHLD, SIG_DFL);
+    QXHandle child = nullptr;
     EXPECT_EQ(QX_S_OK, Start(u"/bin/sh", u"-c \"exit 4\"", nullptr, &child));
-    EXPECT_LT(0, ::waitpid(-1, nullptr, 0));
+    EXPECT_LT(0, ::waitpid(-1, nullptr, 0));  // collects it
     QXHandle joined = nullptr;
     uint32_t code = 0;
     EXPECT_EQ(QX_S_OK, QXProcessJoinChild(&joined, &code));

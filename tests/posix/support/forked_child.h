@@ -2,8 +2,10 @@
 #ifndef TESTS_POSIX_SUPPORT_FORKED_CHILD_H
 #define TESTS_POSIX_SUPPORT_FORKED_CHILD_H
 
+#include <sched.h>
 #include <signal.h>
 #include <sys/mman.h>
+#include <sys/mount.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -52,6 +54,13 @@ class ForkedChild {
   private:
     pid_t m_id;
 };
+
+// For a child of root's: mounts that nobody else sees.
+inline bool MountForThisProcess(const char* place, const char* options) {
+    return ::unshare(CLONE_NEWNS) == 0 &&
+           ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+           ::mount("tmpfs", place, "tmpfs", 0, options) == 0;
+}
 
 // An object that this process and the children that it forks share.
 template <typename Object>

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "config/registry_support.h"
+#include "support/failure.h"
 
 namespace {
 
@@ -43,6 +44,7 @@ TEST(PasswordEntry, ThatCannotBeReadIsAFailure) {
     wchar name[20] = u"as it was";
     for (const int failure : {EMFILE, EIO, ERANGE}) {
         s_failure = failure;
+        const ErrnoStays errnoStays;
         EXPECT_LT(QXGetUserName(name, 20), 0);
         EXPECT_EQ(std::u16string(name), u"as it was");
     }
