@@ -66,6 +66,7 @@ TEST(Converter, IsChosenByNameAndFallsBackToLatin1) {
                          {u"windows-1252", "\x80", u"\u20AC"},
                          {u"SJIS", "\x93\xFA\xB1", u"\u65E5\uFF71"},
                          {u"CP932", "\x93\xFA", u"\u65E5"},
+                         {u"ISO-2022-JP", "\x1B$BF|\x1B(B", u"\u65E5"},  // the flush goes back
                          {u"no such encoding", "\x80\xE9", u"\u0080\u00E9"},
                          {std::u16string(127, u'x'), "\x80\xE9", u"\u0080\u00E9"},
                          {u"\u0155TF-8", "\xC3\xA9", u"\u00E9"},       // cut to "UTF-8"
