@@ -49,8 +49,9 @@ inline std::u16string PathOf(int group) {
     return u"Software\\Example\\" + Numbered("Group %05d", group);
 }
 
+// One that is absent would stand behind the one of its number that is there.
 inline std::u16string NameOf(int number) {
-    return Numbered(number < kAbsent ? "Value %05d" : "Other %05d", number % kGroupSize);
+    return Numbered(number < kAbsent ? "Value %05d" : "Value %05d none", number % kGroupSize);
 }
 
 // The registry's stored form: units in upper case, the high byte first.
