@@ -16,7 +16,7 @@ namespace platform {
 
 void InitializeCriticalSection(CRITICAL_SECTION* section) noexcept;
 
-// `spinCount` is how often Enter looks again before it blocks.
+// `spinCount` is for how many turns Enter goes on looking before it blocks.
 void InitializeCriticalSectionAndSpinCount(CRITICAL_SECTION* section, u32 spinCount) noexcept;
 
 void DeleteCriticalSection(CRITICAL_SECTION* section) noexcept;

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "futex.h"
 #include "platform/sync.h"
 #include "processor_pause.h"
@@ -8,13 +10,22 @@ constinit thread_local char t_threadMark = 0;
 
 namespace {
 
+// A few microseconds: less than it takes to wake a thread.
+constexpr u32 kMostPauses = 64;
+
+// The spin count is one of pauses. A look takes the lock's cache line away from its holder, so the
+// looks become rarer.
 bool SpinForLock(CRITICAL_SECTION* section) noexcept {
-    for (u32 turn = 0; turn < section->m_spinCount; ++turn) {
+    u32 pauses = 1;
+    for (u32 turn = 0; turn < section->m_spinCount; turn += pauses) {
         if (section->m_state.load(std::memory_order_relaxed) == 0 &&
             detail::TakeFreeLock(section->m_state)) {
             return true;
         }
-        PauseProcessor();
+        for (u32 pause = 0; pause < pauses; ++pause) {
+            PauseProcessor();
+        }
+        pauses = std::min(2 * pauses, kMostPauses);
     }
     return false;
 }
