@@ -10,8 +10,7 @@
 #define NOBODY 255
 
 #define WAITING 0
-#define ASLEEP 1
-#define GRANTED 2
+#define GRANTED 1
 
 /* The word. */
 bool locked = false;
@@ -123,14 +122,8 @@ inline Remove(me) {
 }
 
 inline Grant(waiter) {
-    atomic {
-        old = waiterState[waiter];
-        waiterState[waiter] = GRANTED
-    };
-    if
-    :: old == ASLEEP -> sleepsOnState[waiter] = false /* by address: the record may be gone */
-    :: else -> skip
-    fi
+    waiterState[waiter] = GRANTED;
+    sleepsOnState[waiter] = false /* by address: the record may be gone */
 }
 
 /* done is set if there was a count. */
@@ -156,18 +149,12 @@ inline Join(me, takes) {
 
 inline SleepUntilGranted(me, timed) {
     timedOut = false;
-    atomic {
-        if
-        :: waiterState[me] == WAITING -> waiterState[me] = ASLEEP
-        :: else -> skip
-        fi
-    };
     do
     :: waiterState[me] == GRANTED -> break
     :: else ->
         atomic {
             if
-            :: waiterState[me] == ASLEEP -> sleepsOnState[me] = true
+            :: waiterState[me] == WAITING -> sleepsOnState[me] = true
             :: else -> skip
             fi
         };

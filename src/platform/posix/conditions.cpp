@@ -1,6 +1,5 @@
 #include "platform/conditions.h"
 
-#include "cancellation.h"
 #include "platform/errors.h"
 
 namespace platform {
@@ -8,7 +7,6 @@ namespace platform {
 bool SleepConditionVariableCS(CONDITION_VARIABLE* condition, CRITICAL_SECTION* section,
                               u32 milliseconds) noexcept {
     const Deadline deadline(milliseconds);
-    const CancellationOff stay;
     Waiter self;
     condition->m_queue.Join(&self, 0);
     LeaveCriticalSection(section);

@@ -17,7 +17,8 @@ constexpr u32 kMostPauses = 64;
 // looks become rarer.
 bool SpinForLock(CRITICAL_SECTION* section) noexcept {
     u32 pauses = 1;
-    for (u32 turn = 0; turn < section->m_spinCount; turn += pauses) {
+    for (u32 turn = 0; turn < section->m_spinCount;
+         turn += pauses, pauses = std::min(2 * pauses, kMostPauses)) {
         if (section->m_state.load(std::memory_order_relaxed) == 0 &&
             detail::TakeFreeLock(section->m_state)) {
             return true;
@@ -25,7 +26,6 @@ bool SpinForLock(CRITICAL_SECTION* section) noexcept {
         for (u32 pause = 0; pause < pauses; ++pause) {
             PauseProcessor();
         }
-        pauses = std::min(2 * pauses, kMostPauses);
     }
     return false;
 }

@@ -1,4 +1,5 @@
-// Sleeping on a 32-bit word until somebody wakes it.
+// Sleeping on a 32-bit word until somebody wakes it. A system call by its number is no cancellation
+// point.
 #ifndef QX_PLATFORM_POSIX_FUTEX_H
 #define QX_PLATFORM_POSIX_FUTEX_H
 

@@ -34,6 +34,20 @@ TEST(Cancellation, WaitsForTheEndOfWhatMayBlock) {
         [] { QXSleep(1); },
         [] { QXSleep(0); },
         [] {
+            QXHandle event;
+            EXPECT_EQ(QXEventCreate("e", 0, &event), QX_S_OK);
+            EXPECT_EQ(QXEventTimedWait(event, 1), QX_E_TIMEOUT);
+            QXEventDestroy(event);
+        },
+        [] {
+            QXHandle condition;
+            EXPECT_EQ(QXConditionCreate("c", 0, &condition), QX_S_OK);
+            QXConditionAcquire(condition);
+            EXPECT_EQ(QXConditionTimedWait(condition, 1), QX_E_TIMEOUT);
+            QXConditionRelease(condition);
+            QXConditionDestroy(condition);
+        },
+        [] {
             GUID identifier;
             EXPECT_EQ(QXComGenerateGUID(&identifier), QX_S_OK);
         },

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <climits>
 
-#include "cancellation.h"
 #include "futex.h"
 #include "processor_pause.h"
 
@@ -17,10 +16,8 @@ constinit std::atomic<u32> s_generation{0};
 
 // False if the time ran out first.
 bool SleepUntilGranted(Waiter* self, const timespec* deadline) noexcept {
-    u32 state = Waiter::kWaiting;
-    self->m_state.compare_exchange_strong(state, Waiter::kAsleep, std::memory_order_relaxed);
     while (self->m_state.load(std::memory_order_acquire) != Waiter::kGranted) {
-        if (!FutexWaitUntil(&self->m_state, Waiter::kAsleep, deadline)) {
+        if (!FutexWaitUntil(&self->m_state, Waiter::kWaiting, deadline)) {
             return self->m_state.load(std::memory_order_acquire) == Waiter::kGranted;
         }
     }
@@ -28,9 +25,8 @@ bool SleepUntilGranted(Waiter* self, const timespec* deadline) noexcept {
 }
 
 void Grant(Waiter* waiter) noexcept {
-    if (waiter->m_state.exchange(Waiter::kGranted, std::memory_order_release) == Waiter::kAsleep) {
-        FutexWake(&waiter->m_state, 1);
-    }
+    waiter->m_state.store(Waiter::kGranted, std::memory_order_release);
+    FutexWake(&waiter->m_state, 1);
 }
 
 }  // namespace
@@ -185,7 +181,6 @@ bool WaitQueue::Await(Waiter* self, const Deadline& deadline) noexcept {
 
 bool WaitQueue::Wait(u32 taken, u32 milliseconds) noexcept {
     const Deadline deadline(milliseconds);
-    const CancellationOff stay;
     Waiter self;
     return !Join(&self, taken) || Await(&self, deadline);
 }

@@ -29,12 +29,13 @@
 // holder of the lock. Whoever slept for the lock may find a count and not want the lock any more,
 // so Unlock wakes all who sleep for it.
 //
-// A WAITER is a record on its own thread's stack. m_state goes from waiting to asleep (by the
-// waiter, before it sleeps) and to granted (release, read with acquire; by the one who took it off
-// the list). The granting thread lets the lock go, which is the last that it does to the queue, and
-// then grants; after that it touches neither the queue nor the waiter, but for a wake-up of the
-// bare address. So a thread that was granted may destroy the queue. A waiter whose time is up and
-// who finds itself off the list stays until it is granted: its record is still to be written to.
+// A WAITER is a record on its own thread's stack. m_state goes from waiting to granted (release,
+// read with acquire; by the one who took it off the list). The granting thread lets the lock go,
+// which is the last that it does to the queue, and then grants; after that it touches neither the
+// queue nor the waiter, but for a wake-up of the bare address. So a thread that was granted may
+// destroy the queue. A waiter whose time is up and who finds itself off the list stays until it is
+// granted: its record is still to be written to. Nothing that it does meanwhile is a cancellation
+// point.
 //
 // FORKS. A child inherits the word and the list, but not the threads that wait there or hold the
 // lock. The generation in the word is that of the process in which the lower bits were set; where
@@ -49,7 +50,7 @@
 namespace platform {
 
 struct Waiter {
-    enum State : u32 { kWaiting, kAsleep, kGranted };
+    enum State : u32 { kWaiting, kGranted };
 
     std::atomic<u32> m_state{kWaiting};
     u32 m_generation = 0;
@@ -103,8 +104,8 @@ class WaitQueue {
     bool Wait(u32 taken, u32 milliseconds) noexcept;
 
     // The two halves of a wait. Between them the caller is granted what others grant. Join is false
-    // if there was a count to take; then the wait is over. A thread that joined must await, and
-    // must not be cancelled meanwhile.
+    // if there was a count to take; then the wait is over. A thread that joined must await, with no
+    // cancellation point in between.
     bool Join(Waiter* self, u32 taken) noexcept;
     bool Await(Waiter* self, const Deadline& deadline) noexcept;
 
