@@ -3,6 +3,7 @@
 #ifndef TESTS_TRANSCRIPT_ALLOWANCES_H
 #define TESTS_TRANSCRIPT_ALLOWANCES_H
 
+#include <qxcore/file.h>
 #include <qxcore/registry.h>
 
 #include <algorithm>
@@ -136,6 +137,35 @@ Values ValuesAreListedByName(Values values) {
 
 // Wine forgets the name of a mapping with its last handle, though a view of it is left.
 inline constexpr bool kNameGoesWithTheLastHandle = true;
+
+// A file that is open, or a directory with one, cannot go on the reference platform, and who opens
+// a temporary file must be alone with it.
+inline constexpr bool kOpenFilesStay = true;
+
+// Wine asks the system about the read-only attribute, which binds its administrator to nothing.
+inline constexpr bool kReadOnlyBindsNotEverybody = true;
+
+// A lock keeps others from reading and writing on the reference platform, and on Linux from
+// locking.
+inline constexpr bool kLocksBindReaders = true;
+
+// What a handle has locked for itself alone it may share on the reference platform, but not on
+// Linux.
+inline constexpr bool kOwnLockMayBindItsHandle = true;
+
+// Wine truncates a file that is opened without write access.
+inline uint32_t TruncationMayNeedAccess(uint32_t flags) {
+    return (flags & QX_FILE_TRUNCATE) != 0 ? flags | QX_FILE_WRITE : flags;
+}
+
+// Wine lists an interface without an address as one of address 0.0.0.0.
+inline constexpr bool kMissingAddressMayBeListed = true;
+
+// A whole path has the separator of the platform.
+inline std::u16string SeparatorIsThePlatforms(std::u16string path) {
+    std::replace(path.begin(), path.end(), u'\\', u'/');
+    return path;
+}
 
 }  // namespace allowance
 

@@ -6,6 +6,9 @@
 
 std::vector<Call> ClassCalls();
 std::vector<Call> ConverterCalls();
+std::vector<Call> FileCalls();
+std::vector<Call> HostCalls();
+std::vector<Call> LineFileCalls();
 std::vector<Call> MemoryCalls();
 std::vector<Call> NumberCalls();
 std::vector<Call> OptionCalls();
@@ -17,6 +20,7 @@ std::vector<Call> WaitingCalls();
 std::vector<Call> WordCalls();
 
 void PrintConverters();
+void PrintSystem();
 void PrintTextCase();
 void PrintWords();
 

@@ -7,6 +7,9 @@ namespace {
 constexpr Family kFamilies[] = {
     {"classes", ClassCalls, nullptr},
     {"converters", ConverterCalls, PrintConverters},
+    {"files", FileCalls, nullptr},
+    {"host", HostCalls, PrintSystem},
+    {"line files", LineFileCalls, nullptr},
     {"memory", MemoryCalls, nullptr},
     {"numbers", NumberCalls, nullptr},
     {"options", OptionCalls, nullptr},

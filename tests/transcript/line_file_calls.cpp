@@ -1,0 +1,76 @@
+#include <qxcore/line_file.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+
+#include "support/temporary_directory.h"
+#include "transcript/call_lists.h"
+#include "transcript/values.h"
+
+namespace {
+
+class LineFile {
+  public:
+    // Writes some lines over a file or behind it, and prints what is in the file then.
+    void Write(Random& random, Line& line) {
+        constexpr const char* kModes[] = {"w", "a", "w+", "wt", "ab", "r", ""};
+        const char* const mode = random.Of(kModes);
+        UFILE* const file = QXFileOpenUTF16(Path().c_str(), mode);
+        line.Add("mode", mode).Handle("file", file);
+        for (uint32_t left = random.Below(4); left > 0 && file != nullptr && *mode != 'r'; --left) {
+            const std::u16string text = WideText(random);
+            line.Add("text", text).Add("units", QXFileWriteLineUTF16(text.c_str(), file));
+        }
+        QXFileCloseUTF16(file);
+        std::ifstream stream(m_directory.Path() / "lines", std::ios::binary);
+        const std::string bytes{std::istreambuf_iterator<char>(stream), {}};
+        line.Bytes("bytes", bytes.data(), bytes.size());
+    }
+    // Puts any units into the file, with a mark of either order or none, also cut in one.
+    void Put(Random& random, Line& line) {
+        constexpr const wchar* kEnds[] = {u"\n", u"\r\n", u"\r", u"\u2028", u"\u0085", u"\f", u""};
+        constexpr size_t kHead[] = {0, 1, 1023, 1024, 2000};
+        std::u16string text = random.OneIn(4) ? u"" : u"\uFEFF";
+        text.append(random.Of(kHead), u'x');
+        for (uint32_t left = random.Below(6); left > 0; --left) {
+            text += WideText(random) + random.Of(kEnds);
+        }
+        const bool swaps = random.OneIn(2);
+        std::string bytes;
+        for (const char16_t unit : text) {
+            bytes += static_cast<char>(swaps ? unit : unit >> 8);
+            bytes += static_cast<char>(swaps ? unit >> 8 : unit);
+        }
+        bytes.resize(bytes.size() - std::min<size_t>(bytes.size(), random.OneIn(5)));
+        std::ofstream(m_directory.Path() / "lines", std::ios::binary) << bytes;
+        line.Add("text", text).Add("swaps", swaps).Add("bytes", bytes.size());
+    }
+    void Read(Random& random, Line& line) {
+        constexpr int32_t kSizes[] = {2, 3, 7, 100, 1024, 4000};
+        const int32_t size = random.Of(kSizes);
+        UFILE* const file = QXFileOpenUTF16(Path().c_str(), "r");
+        line.Add("size", size).Handle("file", file);
+        Buffer<wchar> buffer(static_cast<size_t>(size));
+        while (file != nullptr && QXFileGetLineUTF16(buffer.Begin(), size, file) != nullptr) {
+            line.Add("line", std::u16string_view(buffer.Begin()));
+        }
+        QXFileCloseUTF16(file);
+    }
+
+  private:
+    std::string Path() const { return (m_directory.Path() / "lines").string(); }
+
+    const TemporaryDirectory m_directory;
+};
+
+}  // namespace
+
+std::vector<Call> LineFileCalls() {
+    const auto file = std::make_shared<LineFile>();
+    return {
+        {"QXFileWriteLineUTF16", Member(file, &LineFile::Write), 2},
+        {"units of a file", Member(file, &LineFile::Put), 2},
+        {"QXFileGetLineUTF16", Member(file, &LineFile::Read), 4},
+    };
+}
