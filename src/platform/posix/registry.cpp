@@ -34,13 +34,15 @@ OwnedKey NewKey(i64 id, const KeyReference& base, u32 access, const RegistryStor
 }
 
 // Asks what the process remembers of a store, if that is current. `lookup` neither throws, nor
-// allocates, nor waits: it may be interrupted by a handler that uses the registry itself or forks.
+// allocates, nor waits, nor can be cancelled: it may be interrupted by a handler that uses the
+// registry itself or forks. Who has opened a key may read it whoever he acts for meanwhile.
 template <typename Lookup>
 u32 AskMemory(const KeyReference& base, Lookup&& lookup) noexcept {
     RegistryStore& store = StoreOf(base.m_store);
-    const CancellationOff noCancellation;
     const MemoryUse use(store.Memory(), base.m_store);
-    return use && IsOfThisStore(store, base) ? lookup(store.Memory().Cache()) : kNotRemembered;
+    const bool answers =
+        use && IsOfThisStore(store, base) && (!IsRoot(base.m_id) || store.Memory().RightsHold());
+    return answers ? lookup(store.Memory().Cache()) : kNotRemembered;
 }
 
 // Runs an operation that makes a key, which is the caller's only if the operation succeeds.

@@ -49,7 +49,7 @@ bool StoreMemory::RightsHold() const noexcept {
 
 bool StoreMemory::IsCurrent() const noexcept {
     const u64 number = m_number.load(std::memory_order_acquire);
-    return number != 0 && number == m_word.Now() && !IsTimeToLook() && RightsHold();
+    return number != 0 && number == m_word.Now() && !IsTimeToLook();
 }
 
 void StoreMemory::LearnRights(const StoreConnection& connection) noexcept {

@@ -25,6 +25,8 @@ class StoreMemory {
 
     // Between BeginUse and EndUse, or with the store's lock.
     bool IsCurrent() const noexcept;
+    // Whether the thread acts with the rights with which the store was read.
+    bool RightsHold() const noexcept;
     RegistryCache& Cache() noexcept { return m_cache; }
     StoreWord& Word() noexcept { return m_word; }
 
@@ -68,7 +70,6 @@ class StoreMemory {
 
   private:
     static time_t Second() noexcept;
-    bool RightsHold() const noexcept;
     void LearnRights(const StoreConnection& connection) noexcept;
     bool StartAnew(u64 number, const IndexState& index) noexcept;
 
