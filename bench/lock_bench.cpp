@@ -102,6 +102,10 @@ struct PthreadMutex {
     pthread_mutex_t m_mutex = PTHREAD_MUTEX_INITIALIZER;
 };
 
+struct AdaptivePthreadMutex : PthreadMutex {
+    AdaptivePthreadMutex() { m_mutex = PTHREAD_ADAPTIVE_MUTEX_INITIALIZER_NP; }
+};
+
 // Two threads for a second: how often they had the lock, and the share of the one that had it less
 // often.
 template <typename Kind>
@@ -134,6 +138,10 @@ BENCHMARK(Contended<PthreadMutex>)
     ->Iterations(1)
     ->UseRealTime();
 BENCHMARK(Contended<Mutex>)->Name("two threads, QXMutex")->Iterations(1)->UseRealTime();
+BENCHMARK(Contended<AdaptivePthreadMutex>)
+    ->Name("two threads, adaptive pthread mutex")
+    ->Iterations(1)
+    ->UseRealTime();
 BENCHMARK(Contended<SpinningMutex>)
     ->Name("two threads, QXMutex that spins")
     ->Iterations(1)
