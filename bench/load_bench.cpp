@@ -78,6 +78,8 @@ int main(int argc, char** argv) {
     const std::string empty = argv[2];
     Report("SQLite", {kSqlite});
     Report("ICU uc", {QXCORE_ICU_LIBRARY});
+    Report("ICU io and i18n, loaded by the first line file",
+           {QXCORE_ICU_STREAMS, QXCORE_ICU_LIBRARY});
     Report("the library and all that it links", {library});
     Report("the library, what it links being there", {library, QXCORE_ICU_LIBRARY, kSqlite});
     Report("an empty library, likewise", {empty, QXCORE_ICU_LIBRARY, kSqlite});
