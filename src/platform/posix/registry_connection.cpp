@@ -112,12 +112,12 @@ std::string SnapshotAddress(const std::string& path) {
     return address + "?immutable=1";
 }
 
-sqlite3* OpenFile(const std::string& name, int how) {
+sqlite3* OpenFile(const std::string& name, int how, StoreVfs vfs = StoreVfs::kLocking) {
     sqlite3* database = nullptr;
     errno = 0;  // SQLite reports it, also where the system had no part in the failure
     const int status =
         ::sqlite3_open_v2(name.c_str(), &database,
-                          how | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_PRIVATECACHE, StoreVfsName());
+                          how | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_PRIVATECACHE, StoreVfsName(vfs));
     if (status != SQLITE_OK) {
         const StoreFailure failure = StoreFailureOf(status, database);
         ::sqlite3_close(database);
@@ -144,13 +144,15 @@ EffectiveIds EffectiveIds::Now() noexcept {
 }
 
 // The files are looked at before they are opened: what is replaced in between shows in Settle.
-StoreConnection::StoreConnection(const std::string& database)
-    : m_owner(EffectiveIds::Now()),
+StoreConnection::StoreConnection(const std::string& database, StoreVfs how)
+    : m_how(how),
+      m_owner(EffectiveIds::Now()),
       m_paths(PathsOf(database)),
       m_files(LookBeforeOpening(m_paths)) {
-    m_database.reset(OpenFile(m_paths.m_database, SQLITE_OPEN_READWRITE));
+    const int access = TakesLocks() ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY;
+    m_database.reset(OpenFile(m_paths.m_database, access, how));
     const int status = Configure();
-    if (CannotMakeSideFiles(status) && m_files.m_log.m_size == 0) {
+    if (TakesLocks() && CannotMakeSideFiles(status) && m_files.m_log.m_size == 0) {
         OpenSnapshot();
     } else {
         CheckStatus(status, Database());
@@ -175,6 +177,10 @@ int StoreConnection::Configure() noexcept {
     ::sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
     ::sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
     m_steps.Watch(database);
+    if (!TakesLocks()) {
+        // Then SQLite makes an index of the log of its own and leaves the common one alone.
+        ::sqlite3_exec(database, "PRAGMA locking_mode=EXCLUSIVE", nullptr, nullptr, nullptr);
+    }
     return ::sqlite3_exec(database,
                           "PRAGMA temp_store=MEMORY; PRAGMA cell_size_check=ON;"
                           "PRAGMA synchronous=NORMAL; PRAGMA journal_size_limit=4194304;"
@@ -197,7 +203,7 @@ void StoreConnection::Fill(StoreNumber number, mode_t sideFileMode) {
 
 // A file that somebody copied may have lost the mode in which it keeps a log.
 void StoreConnection::Settle() {
-    const bool logged = !m_snapshot && UseLog(Database());
+    const bool logged = TakesLocks() && !m_snapshot && UseLog(Database());
     if (logged) {
         m_index = FileWatch(m_paths.m_index);
         m_index.IsWhole();  // takes its length

@@ -12,6 +12,7 @@
 
 #include "registry_files.h"
 #include "registry_schema.h"
+#include "registry_vfs.h"
 
 namespace platform {
 
@@ -75,8 +76,10 @@ class StepLimit {
 // Every member may throw StoreFailure or std::bad_alloc unless it is noexcept.
 class StoreConnection {
   public:
-    // Opens a file that exists. What is in it may still be nothing or not ours.
-    explicit StoreConnection(const std::string& database);
+    // Opens a file that exists. What is in it may still be nothing or not ours. One that takes no
+    // locks reads what is in place, database and log: what it gives counts only if nobody wrote
+    // meanwhile, and it is of no use any more once somebody has.
+    explicit StoreConnection(const std::string& database, StoreVfs how = StoreVfs::kLocking);
     // Leaves the log for the next connection, unless WriteBack was called.
     ~StoreConnection();
     StoreConnection(const StoreConnection&) = delete;
@@ -123,6 +126,7 @@ class StoreConnection {
     // A snapshot reads a file that nobody uses, without any side file. Somebody who begins to use
     // the file ends it.
     bool IsSnapshot() const noexcept { return m_snapshot; }
+    bool TakesLocks() const noexcept { return m_how == StoreVfs::kLocking; }
 
   private:
     struct Closer {
@@ -135,6 +139,7 @@ class StoreConnection {
     bool Fits(const StoreFiles& now) noexcept;
     void RemoveFilesOfMine(const StoreFiles& now) noexcept;
 
+    StoreVfs m_how;
     EffectiveIds m_owner;
     StorePaths m_paths;
     StoreFiles m_files;

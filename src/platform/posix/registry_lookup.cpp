@@ -48,12 +48,11 @@ u32 CopyValue(u32 type, const void* data, std::size_t size, const ValueTarget& t
     if (target.m_size == nullptr) {
         return kErrorSuccess;
     }
-    const u32 capacity = *target.m_size;
     *target.m_size = static_cast<u32>(size);
     if (target.m_data == nullptr) {
         return kErrorSuccess;
     }
-    if (size > capacity) {
+    if (size > target.m_capacity) {
         return kErrorMoreData;
     }
     if (size != 0) {
@@ -68,7 +67,7 @@ u32 CopyValue(Query& query, int typeColumn, const ValueTarget& target) noexcept 
 }
 
 bool CopyName(std::u16string_view from, const NameTarget& target) noexcept {
-    if (from.size() >= *target.m_length) {
+    if (from.size() >= target.m_capacity) {
         return false;
     }
     std::memcpy(target.m_name, from.data(), 2 * from.size());
@@ -78,7 +77,7 @@ bool CopyName(std::u16string_view from, const NameTarget& target) noexcept {
 }
 
 u32 CopyNamedValue(Query& query, const NameTarget& name, const ValueTarget& target) {
-    const bool fits = CopyStoredName(query.Blob(1), name.m_name, *name.m_length, name.m_length);
+    const bool fits = CopyStoredName(query.Blob(1), name.m_name, name.m_capacity, name.m_length);
     const u32 error = CopyValue(query, 2, target);
     return fits ? error : static_cast<u32>(kErrorMoreData);
 }
@@ -131,7 +130,7 @@ u32 NextStoredKey(RegistryStore& store, i64 id, u32 index, KeyWalk& walk, const 
             if (!IsStoredComponent(query.Blob(1))) {
                 ThrowDamaged();
             }
-            return CopyStoredName(query.Blob(1), name.m_name, *name.m_length, name.m_length)
+            return CopyStoredName(query.Blob(1), name.m_name, name.m_capacity, name.m_length)
                        ? kErrorSuccess
                        : kErrorMoreData;
         }

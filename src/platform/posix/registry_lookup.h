@@ -13,17 +13,26 @@ namespace platform {
 // No number that an operation gives: nothing is remembered that answers.
 inline constexpr u32 kNotRemembered = 0xFFFFFFFF;
 
-// Where a value is written to. All but `m_size` may be null, and that too if `m_data` is.
+// Where a value is written to. All may be null but `size`, and that too if `data` is. An operation
+// that starts over has the same room as at first.
 struct ValueTarget {
+    ValueTarget(u32* type, void* data, u32* size) noexcept
+        : m_type(type), m_data(data), m_size(size), m_capacity(size != nullptr ? *size : 0) {}
+
     u32* m_type;
     void* m_data;
     u32* m_size;
+    u32 m_capacity;
 };
 
 // Where a name is written to.
 struct NameTarget {
+    NameTarget(char16_t* name, u32* length) noexcept
+        : m_name(name), m_length(length), m_capacity(*length) {}
+
     char16_t* m_name;
     u32* m_length;
+    u32 m_capacity;
 };
 
 // The operations on a cache answer from what it holds alone, and neither throw nor allocate.

@@ -58,15 +58,15 @@ void StoreMemory::LearnRights(const StoreConnection& connection) noexcept {
     m_rightsDoNotMatter.store(KeepsItsIds(), std::memory_order_relaxed);
 }
 
-void StoreMemory::FollowFiles(const StoreConnection& connection) noexcept {
-    if (!m_word.Follow(connection.Paths().m_database.c_str(), connection.File().m_inode)) {
+void StoreMemory::FollowFiles(const StorePaths& paths, const FileState& database) noexcept {
+    if (!m_word.Follow(paths.m_database.c_str(), database.m_inode)) {
         Forget();
     }
 }
 
 void StoreMemory::Look(const StoreConnection& connection) noexcept {
     NoteLook();
-    FollowFiles(connection);
+    FollowFiles(connection.Paths(), connection.File());
     if (m_number.load(std::memory_order_relaxed) == m_word.Now() && connection.Index() != m_index) {
         Forget();
     }

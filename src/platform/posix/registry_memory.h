@@ -29,6 +29,7 @@ class StoreMemory {
     bool RightsHold() const noexcept;
     RegistryCache& Cache() noexcept { return m_cache; }
     StoreWord& Word() noexcept { return m_word; }
+    const StoreWord& Word() const noexcept { return m_word; }
 
     // The rest is called with the store's lock held.
 
@@ -39,7 +40,7 @@ class StoreMemory {
     void LookSoon() noexcept { m_looked.store(0, std::memory_order_relaxed); }
 
     // Forgets everything if the database or its word is another one.
-    void FollowFiles(const StoreConnection& connection) noexcept;
+    void FollowFiles(const StorePaths& paths, const FileState& database) noexcept;
 
     // To be called on a connection that is in place, once a second and when it is new: forgets also
     // what somebody changed without the word, and learns who may use it.

@@ -25,8 +25,25 @@ class Patience {
     u32 m_waits = 0;
 };
 
-// One attempt under the store's lock. `failure` tells why there is no number. No handler runs
-// meanwhile that might fork, or use the registry itself.
+// `failure` tells why there is no number.
+template <typename Operation>
+bool Attempt(RegistryStore& store, Operation& operation, u32& number,
+             StoreFailure& failure) noexcept {
+    try {
+        number = operation(store);
+        failure = {kErrorBusy, true};
+        return store.CanBeBelieved();
+    } catch (const StoreFailure& thrown) {
+        failure = thrown;
+        failure.m_transient = failure.m_transient || store.MayHaveMoved() || store.GiveUpReading();
+    } catch (const std::bad_alloc&) {
+        failure = {kErrorOutOfMemory, false};
+    }
+    return false;
+}
+
+// One attempt under the store's lock, and where others hold a read up one more without locks on the
+// files. No handler runs meanwhile that might fork, or use the registry itself.
 template <typename Operation>
 bool TryOnStore(RegistryStore& store, Operation& operation, u32& number, StoreFailure& failure) {
     const SignalsOff noSignals;
@@ -35,17 +52,9 @@ bool TryOnStore(RegistryStore& store, Operation& operation, u32& number, StoreFa
         ~Holder() { m_store.Leave(); }
         RegistryStore& m_store;
     } const holder(store);
-    try {
-        number = operation(store);
-        failure = {kErrorBusy, true};
-        return !store.ReadsSnapshot() || !store.MayHaveMoved();
-    } catch (const StoreFailure& thrown) {
-        failure = thrown;
-        failure.m_transient = failure.m_transient || store.MayHaveMoved();
-    } catch (const std::bad_alloc&) {
-        failure = {kErrorOutOfMemory, false};
-    }
-    return false;
+    return Attempt(store, operation, number, failure) ||
+           (failure.m_transient && store.OpenWithoutLocks() &&
+            Attempt(store, operation, number, failure));
 }
 
 // Runs an operation on a store and turns what it throws into its number. The operation is such that

@@ -53,6 +53,10 @@ void RegistryStore::DropUnlessUsable(Purpose purpose) {
         ForgetLocation();
         return;
     }
+    if (IsPastUse(purpose)) {
+        CloseForFork();
+        return;
+    }
     const bool newSecond = m_memory.IsTimeToLook();
     const bool looks = newSecond || purpose == Purpose::kWrite;
     if (!(looks ? m_connection->IsInPlace() : m_connection->IsSafe())) {
@@ -60,6 +64,11 @@ void RegistryStore::DropUnlessUsable(Purpose purpose) {
     } else if (newSecond) {
         m_memory.Look(*m_connection);
     }
+}
+
+bool RegistryStore::IsPastUse(Purpose purpose) const noexcept {
+    return !m_connection->TakesLocks() && (purpose == Purpose::kWrite || m_memory.IsTimeToLook() ||
+                                           !m_memory.Word().IsStill(m_readAt));
 }
 
 void RegistryStore::Follow() {
@@ -81,7 +90,7 @@ bool RegistryStore::IsThere() {
 
 bool RegistryStore::Connect(Purpose purpose) {
     auto connection = std::make_unique<StoreConnection>(Location().m_file);
-    m_memory.FollowFiles(*connection);
+    m_memory.FollowFiles(connection->Paths(), connection->File());
     MarkWrites(connection->Database(), &m_memory.Word());
     StoreContent content = connection->Identify();
     if (content == StoreContent::kNothing) {
@@ -93,17 +102,51 @@ bool RegistryStore::Connect(Purpose purpose) {
     }
     ThrowIf(content != StoreContent::kRegistry, kErrorBadDatabase);
     connection->Settle();
+    Adopt(std::move(connection));
+    m_memory.Look(*m_connection);
+    return true;
+}
+
+void RegistryStore::Adopt(std::unique_ptr<StoreConnection> connection) {
     if (!connection->File().IsSameFile(m_lastFile)) {
         m_memory.Forget();
         NewIncarnation();
     }
     m_lastFile = connection->File();
-    m_memory.Look(*connection);
     m_connection = connection.release();
-    return true;
+}
+
+// The word is looked at first: what the connection finds in the log is what it reads from then on.
+void RegistryStore::ConnectWithoutLocks() {
+    const StorePaths paths = PathsOf(Location().m_file);
+    m_memory.FollowFiles(paths, LookAt(paths).m_database);
+    m_readAt = m_memory.Word().Now();
+    ThrowIf(!StoreWord::IsAtRest(m_readAt), kErrorBusy);
+    auto connection = std::make_unique<StoreConnection>(paths.m_database, StoreVfs::kUnlocked);
+    ThrowIf(connection->Identify() != StoreContent::kRegistry, kErrorBadDatabase);
+    connection->Settle();
+    Adopt(std::move(connection));
+    m_memory.NoteLook();
+}
+
+bool RegistryStore::OpenWithoutLocks() noexcept {
+    if (m_purpose == Purpose::kWrite || s_forkUnderWay ||
+        (m_connection != nullptr && !m_connection->TakesLocks())) {
+        return false;
+    }
+    CloseForFork();
+    try {
+        ConnectWithoutLocks();
+        return true;
+    } catch (const StoreFailure&) {
+        return false;
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
 }
 
 bool RegistryStore::Open(Purpose purpose) {
+    m_purpose = purpose;
     ThrowIf(s_forkUnderWay, kErrorBusy);
     DropUnlessUsable(purpose);
     return m_connection != nullptr || (IsThere() && Connect(Purpose::kRead));
@@ -135,6 +178,22 @@ bool RegistryStore::MayHaveMoved() noexcept {
     } catch (const StoreFailure&) {
         return false;
     }
+}
+
+bool RegistryStore::GiveUpReading() noexcept {
+    if (m_connection == nullptr || m_connection->TakesLocks()) {
+        return false;
+    }
+    CloseForFork();
+    return true;
+}
+
+bool RegistryStore::CanBeBelieved() noexcept {
+    if (m_connection == nullptr) {
+        return true;
+    }
+    return m_connection->TakesLocks() ? !m_connection->IsSnapshot() || !MayHaveMoved()
+                                      : m_memory.Word().IsStill(m_readAt);
 }
 
 void RegistryStore::Close() noexcept {

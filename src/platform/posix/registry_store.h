@@ -4,6 +4,9 @@
 #ifndef QX_PLATFORM_POSIX_REGISTRY_STORE_H
 #define QX_PLATFORM_POSIX_REGISTRY_STORE_H
 
+#include <atomic>
+#include <memory>
+
 #include "platform/sync.h"
 #include "registry_connection.h"
 #include "registry_failure.h"
@@ -35,12 +38,20 @@ class RegistryStore {
     // Tries once more if this user could not write when the connection was made.
     bool CanWrite();
 
-    // Whether an operation that failed, or that read a snapshot, may have met a file that is no
-    // longer the store's. The next Open looks.
+    // For a read that others' locks were in the way of: goes on to a connection that takes none,
+    // if nobody writes. It is given up once somebody has written, or after a second.
+    bool OpenWithoutLocks() noexcept;
+
+    // Gives up a connection without locks, whose failures mean nothing. False if there is none.
+    bool GiveUpReading() noexcept;
+
+    // Whether an operation that failed may have met a file that is no longer the store's. The next
+    // Open looks.
     bool MayHaveMoved() noexcept;
-    bool ReadsSnapshot() const noexcept {
-        return m_connection != nullptr && m_connection->IsSnapshot();
-    }
+
+    // Whether what an operation read is the store's: not if it read without locks or without side
+    // files, and somebody came meanwhile.
+    bool CanBeBelieved() noexcept;
 
     // Changes when another file has taken the store's place: numbers of keys mean nothing there.
     // May be asked for without the lock.
@@ -66,6 +77,9 @@ class RegistryStore {
 
   private:
     bool Connect(Purpose purpose);
+    void ConnectWithoutLocks();
+    void Adopt(std::unique_ptr<StoreConnection> connection);
+    bool IsPastUse(Purpose purpose) const noexcept;
     void DropUnlessUsable(Purpose purpose);
     void Follow();
     void NewIncarnation() noexcept { m_incarnation.fetch_add(1, std::memory_order_relaxed); }
@@ -79,6 +93,8 @@ class RegistryStore {
     FileState m_lastFile{};  // what the last connection was to
     std::atomic<u32> m_incarnation{0};
     StoreMemory m_memory;
+    Purpose m_purpose = Purpose::kRead;  // of the last Open
+    u64 m_readAt = 0;  // the word's number for which a connection without locks was made
     StoreNumber m_number;
 };
 

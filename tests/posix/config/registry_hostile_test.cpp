@@ -75,6 +75,41 @@ TEST_F(RegistryHostile, AStrangersLockHoldsUpNobodyForLongAndNoForkAtAll) {
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30));
 }
 
+// What a process that has nothing in memory reads, by name and by step.
+int ReadsNumber(const char16_t* expected) {
+    const bool isRight = Text(u"k", u"v", QX_HKEY_CONFIG) == expected &&
+                         Exists(QX_HKEY_CONFIG, u"k", u"none") == QX_E_NOTFOUND &&
+                         SubkeysOf(u"", QX_HKEY_CONFIG) == std::vector<std::u16string>{u"k"};
+    return isRight ? 0 : 1;
+}
+
+// A reader that needs the index made anew, which the stranger's locks do not let anybody do.
+TEST_F(RegistryHostile, AStrangersLockHoldsUpNoReader) {
+    if (::geteuid() != 0) {
+        GTEST_SKIP() << "only root can become another user";
+    }
+    ::chmod(m_registry.Folder().c_str(), 0755);
+    for (const ChildEnd end : {ChildEnd::kAtOnce, ChildEnd::kThroughExitHandlers}) {
+        const char16_t* const text = end == ChildEnd::kAtOnce ? u"in the log" : u"written back";
+        ASSERT_EQ(
+            ForkedChild([&] { return SetText(u"k", u"v", text, QX_HKEY_CONFIG); }, end).Wait(), 0);
+        EXPECT_EQ(fs::file_size(File("machine.db-wal")) != 0, end == ChildEnd::kAtOnce);
+        fs::resize_file(File("machine.db-shm"), 0);
+        fs::resize_file(File("machine.db-shm"), 32768);
+        const LockingStranger onIndex(File("machine.db-shm"));
+        const LockingStranger onDatabase(File("machine.db"));
+        ASSERT_TRUE(onIndex.Holds() && onDatabase.Holds());
+        const auto start = std::chrono::steady_clock::now();
+        for (int round = 0; round < 5; ++round) {
+            EXPECT_EQ(ForkedChild([&] { return ReadsNumber(text); }).Wait(), 0);
+            EXPECT_EQ(
+                ForkedChild([&] { return ::setuid(kNobody) == 0 ? ReadsNumber(text) : 2; }).Wait(),
+                0);
+        }
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4));
+    }
+}
+
 TEST_F(RegistryHostile, WhoGivesUpHisRightsGivesUpTheStore) {
     if (::geteuid() != 0) {
         GTEST_SKIP() << "only root can become another user";
