@@ -1,7 +1,8 @@
-// Atomic words, unaligned access and byte order.
+// Atomic words, unaligned access, byte order and the mapping of native numbers to results.
 #include <gtest/gtest.h>
 #include <qxcore/atomic.h>
 #include <qxcore/bytes.h>
+#include <qxcore/result.h>
 
 #include <thread>
 
@@ -61,6 +62,31 @@ TEST(ByteOrder, IsReversed) {
     EXPECT_EQ(0x2211, QXSwapInt16(0x1122));
     EXPECT_EQ(0x44332211u, QXSwapInt32(0x11223344));
     EXPECT_EQ(0x8877665544332211u, QXSwapInt64(0x1122334455667788));
+}
+
+TEST(ResultFromNative, IsAClosedMapping) {
+    struct Row {
+        uint32_t native;
+        uint32_t result;
+    };
+    constexpr Row kRows[] = {{0, 0},
+                             {1, 0x80004005},
+                             {2, 0x80070002},
+                             {3, 0x80070002},
+                             {4, 0x80004005},
+                             {5, 0x80070005},
+                             {6, 0x80070006},
+                             {8, 0x80004005},
+                             {14, 0x8007000E},
+                             {32, 0x80070005},
+                             {183, 0x800700B7},
+                             {258, 0x800705B4},
+                             {1460, 0x80004005},
+                             {0x80070002, 0x80004005},
+                             {0xFFFFFFFF, 0x80004005}};
+    for (const Row& row : kRows) {
+        EXPECT_EQ(static_cast<QXResult>(row.result), QXResultFromNative(row.native)) << row.native;
+    }
 }
 
 }  // namespace

@@ -1,6 +1,3 @@
-#include <gtest/gtest.h>
-#include <qxcore.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -11,6 +8,7 @@
 #include <thread>
 #include <vector>
 
+#include "process/process_support.h"
 #include "support/child_role.h"
 #include "support/failure.h"
 #include "support/system.h"
@@ -22,22 +20,6 @@ using Wide = std::u16string;
 Wide WideOf(const std::filesystem::path& path) {
     return path.u16string();
 }
-
-// The child's standard handles, at first a pipe each.
-struct Pipes {
-    ~Pipes() {
-        for (const QXHandle end : ends) {
-            if (end != QX_INVALID_HANDLE) {
-                QXFileClose(end);
-            }
-        }
-    }
-    void CloseInput() {
-        EXPECT_EQ(QX_S_OK, QXFileClose(ends[0]));
-        ends[0] = QX_INVALID_HANDLE;
-    }
-    QXHandle ends[3] = {QX_INVALID_HANDLE, QX_INVALID_HANDLE, QX_INVALID_HANDLE};
-};
 
 struct Start {
     Wide program = WideOf(ProgramPath());
@@ -59,22 +41,6 @@ QXHandle StartRole(const Wide& role, const Start& start = {}) {
     return child;
 }
 
-std::string ReadAll(QXHandle file) {
-    std::string all;
-    char buffer[4096];
-    uint32_t count = 0;
-    while (QX_SUCCEEDED(QXFileRead(file, buffer, sizeof buffer, &count))) {
-        all.append(buffer, count);
-    }
-    return all;
-}
-
-void Write(QXHandle file, const std::string& text) {
-    uint32_t count = 0;
-    EXPECT_EQ(QX_S_OK, QXFileWrite(file, text.data(), static_cast<uint32_t>(text.size()), &count));
-    EXPECT_EQ(text.size(), count);
-}
-
 // Runs a role to its end and gives what it has written.
 std::string OutputOfRole(const Wide& role, Start start = {}) {
     Pipes pipes;
@@ -82,9 +48,7 @@ std::string OutputOfRole(const Wide& role, Start start = {}) {
     const QXHandle child = StartRole(role, start);
     pipes.CloseInput();
     const std::string output = ReadAll(pipes.ends[1]);
-    uint32_t code = 5;
-    EXPECT_EQ(QX_S_OK, QXProcessJoin(child, &code));
-    EXPECT_EQ(0u, code);
+    EXPECT_EQ(0u, CodeOf(child));
     return output;
 }
 
@@ -164,9 +128,8 @@ TEST(Process, AWaitForAnyTakesSixtyFourChildren) {
     QXHandle child = nullptr;
     EXPECT_EQ(QX_E_FAIL, QXProcessJoinChild(&child, nullptr));
     pipes.CloseInput();
+    EXPECT_EQ(3u, CodeOf(children[0]));
     uint32_t code = 0;
-    EXPECT_EQ(QX_S_OK, QXProcessJoin(children[0], &code));
-    EXPECT_EQ(3u, code);
     for (int count = 0; count < 64; ++count) {
         EXPECT_EQ(QX_S_OK, QXProcessJoinChild(&child, &code));
     }
@@ -283,9 +246,7 @@ TEST(Process, ThreadsThatStartChildrenAtOnceHoldNoPipesOfOthers) {
                 pipes.CloseInput();
                 EXPECT_EQ(text, ReadAll(pipes.ends[1]));
                 EXPECT_EQ('e' + text, ReadAll(pipes.ends[2]));
-                uint32_t code = 0;
-                EXPECT_EQ(QX_S_OK, QXProcessJoin(child, &code));
-                EXPECT_EQ(3u, code);
+                EXPECT_EQ(3u, CodeOf(child));
             }
         });
     }

@@ -1,6 +1,4 @@
 #include <fcntl.h>
-#include <gtest/gtest.h>
-#include <qxcore.h>
 #include <signal.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -11,6 +9,7 @@
 #include <string>
 
 #include "posix/support/forked_child.h"
+#include "process/process_support.h"
 #include "support/child_role.h"
 #include "support/system.h"
 
@@ -20,36 +19,18 @@ using Wide = std::u16string;
 
 const QXHandle kPipe = QX_INVALID_HANDLE;
 
-std::string ReadAll(QXHandle file) {
-    std::string all;
-    char buffer[4096];
-    uint32_t count = 0;
-    while (QX_SUCCEEDED(QXFileRead(file, buffer, sizeof buffer, &count))) {
-        all.append(buffer, count);
-    }
-    return all;
-}
-
 QXResult Start(const Wide& program, const Wide& arguments, QXHandle* standardHandles,
                QXHandle* child, const wchar* const* environment = nullptr) {
     return QXProcessCreate(program.c_str(), arguments.c_str(), nullptr, environment, 0,
                            standardHandles, child);
 }
 
-uint32_t CodeOf(QXHandle child) {
-    uint32_t code = 12345;
-    EXPECT_EQ(QX_S_OK, QXProcessJoin(child, &code));
-    return code;
-}
-
 std::string OutputOf(const Wide& program, const Wide& arguments,
                      const wchar* const* environment = nullptr) {
-    QXHandle ends[3] = {nullptr, kPipe, kPipe};
+    Pipes pipes{{nullptr, kPipe, kPipe}};
     QXHandle child = nullptr;
-    EXPECT_EQ(QX_S_OK, Start(program, arguments, ends, &child, environment));
-    const std::string output = ReadAll(ends[1]);
-    QXFileClose(ends[1]);
-    QXFileClose(ends[2]);
+    EXPECT_EQ(QX_S_OK, Start(program, arguments, pipes.ends, &child, environment));
+    const std::string output = ReadAll(pipes.ends[1]);
     EXPECT_EQ(0u, CodeOf(child));
     return output;
 }
@@ -214,14 +195,14 @@ CHILD_ROLE(WithoutStandardStreams) {
         ::close(stream);
     }
     for (int round = 0; round < 3; ++round) {
-        QXHandle ends[3] = {kPipe, kPipe, kPipe};
+        Pipes pipes;
         QXHandle child = nullptr;
-        uint32_t count = 0;
-        EXPECT_EQ(QX_S_OK, Start(u"/bin/sh", u"-c \"cat; echo e >&2; exit 6\"", ends, &child));
-        EXPECT_EQ(QX_S_OK, QXFileWrite(ends[0], "text", 4, &count));
-        EXPECT_EQ(QX_S_OK, QXFileClose(ends[0]));
-        EXPECT_EQ("text", ReadAll(ends[1]));
-        EXPECT_EQ("e\n", ReadAll(ends[2]));
+        EXPECT_EQ(QX_S_OK,
+                  Start(u"/bin/sh", u"-c \"cat; echo e >&2; exit 6\"", pipes.ends, &child));
+        Write(pipes.ends[0], "text");
+        pipes.CloseInput();
+        EXPECT_EQ("text", ReadAll(pipes.ends[1]));
+        EXPECT_EQ("e\n", ReadAll(pipes.ends[2]));
         EXPECT_EQ(6u, CodeOf(child));
         EXPECT_EQ(-1, ::fcntl(round, F_GETFD));
         EXPECT_EQ(QX_S_OK, Start(u"/bin/true", u"", nullptr, &child));
@@ -316,23 +297,21 @@ TEST(ProcessStandIn, NameLosesTheKernelsRemarkOnAFileThatIsGone) {
     const TemporaryDirectory directory;
     const std::filesystem::path copy = directory.Path() / std::string(240, 'n');
     std::filesystem::copy_file("/bin/cat", copy);
-    QXHandle ends[3] = {kPipe, kPipe, kPipe};
+    Pipes pipes;
     QXHandle child = nullptr;
     const Wide script = u"-c \"echo $$; exec '" + copy.u16string() + u"'\"";
-    EXPECT_EQ(QX_S_OK, Start(u"/bin/sh", script, ends, &child));
+    EXPECT_EQ(QX_S_OK, Start(u"/bin/sh", script, pipes.ends, &child));
     uint32_t count = 0;
     char line[16] = {};
-    EXPECT_EQ(QX_S_OK, QXFileRead(ends[1], line, sizeof line, &count));
+    EXPECT_EQ(QX_S_OK, QXFileRead(pipes.ends[1], line, sizeof line, &count));
     const uint32_t id = static_cast<uint32_t>(std::stoul(line));
-    EXPECT_EQ(QX_S_OK, QXFileWrite(ends[0], "x", 1, &count));
-    EXPECT_EQ(QX_S_OK, QXFileRead(ends[1], line, sizeof line, &count));  // the copy runs
+    Write(pipes.ends[0], "x");
+    EXPECT_EQ(QX_S_OK, QXFileRead(pipes.ends[1], line, sizeof line, &count));  // the copy runs
     std::filesystem::remove(copy);
     char name[300];
     EXPECT_EQ(1, QXProcessGetName(id, name, sizeof name));
     EXPECT_EQ(copy.filename().string(), name);
-    for (const QXHandle end : ends) {
-        QXFileClose(end);
-    }
+    pipes.CloseInput();
     EXPECT_EQ(0u, CodeOf(child));
     EXPECT_EQ(0, QXProcessGetName(id, name, sizeof name));
 }
