@@ -57,7 +57,7 @@ auto ReadFloat(const Unit* text) {
     Unit* end = nullptr;
     const double number = allowance::NoNumberHasAnyBits(kRead(text, &end));
     errno = allowance::UnderflowMayBeNoError(number, errno);
-    return Reading{allowance::ZeroOfNothingHasAnySign(number, end == text), end - text};
+    return Reading<double>{allowance::ZeroOfNothingHasAnySign(number, end == text), end - text};
 }
 
 }  // namespace
