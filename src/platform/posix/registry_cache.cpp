@@ -32,7 +32,9 @@ u64 HashOf(CacheKind kind, i64 owner, std::u16string_view folded) noexcept {
         hash = Mixed(hash ^ block, kOdd);
     }
     block = 0;
-    std::memcpy(&block, bytes, left);
+    if (left != 0) {
+        std::memcpy(&block, bytes, left);
+    }
     return Mixed(hash ^ block, kOdd ^ folded.size());
 }
 
@@ -189,6 +191,7 @@ void RegistryCache::Forget(CacheKind kind, i64 owner, std::u16string_view folded
     if (table == nullptr) {
         return;
     }
+    m_epoch.fetch_add(1, std::memory_order_relaxed);
     const u64 hash = HashOf(kind, owner, folded);
     Bucket* place = &table->m_buckets[hash & table->m_mask];
     while (CacheEntry* const entry = place->load(std::memory_order_relaxed)) {
@@ -208,6 +211,7 @@ bool RegistryCache::Empty() noexcept {
     }
     const bool nobodyLooks = m_users.load(std::memory_order_acquire) == kClosed;
     if (nobodyLooks) {
+        m_epoch.fetch_add(1, std::memory_order_relaxed);
         m_table.store(nullptr, std::memory_order_relaxed);
         m_arena.Empty();
         m_count = 0;

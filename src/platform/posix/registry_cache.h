@@ -80,6 +80,9 @@ class RegistryCache {
     // To be called between BeginUse and EndUse. Null if it is not known.
     const CacheEntry* Find(CacheKind kind, i64 owner, std::u16string_view folded) const noexcept;
 
+    // Changes when an entry that was found may be found no longer.
+    u32 Epoch() const noexcept { return m_epoch.load(std::memory_order_relaxed); }
+
     // False if the cache is being emptied.
     bool BeginUse() noexcept;
     void EndUse() noexcept;
@@ -122,6 +125,7 @@ class RegistryCache {
     void Link(CacheEntry* entry) noexcept;
 
     std::atomic<u32> m_users{0};
+    std::atomic<u32> m_epoch{1};
     std::atomic<Table*> m_table{nullptr};
     std::size_t m_count = 0;
     std::size_t m_missesWhenFull = 0;

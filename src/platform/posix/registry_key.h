@@ -12,8 +12,11 @@ namespace platform {
 
 // Where the walks through a key's keys and values stand: the index that comes next, and the entry
 // before it. A step looks for what follows that entry, so it costs the same at any index. Where the
-// entry stood in a list that was remembered says where to look for it in that list.
+// entry stood in a list that was remembered says where to look for it in that list, which stays the
+// same one for as long as the cache has the same epoch.
 struct KeyWalk {
+    const CacheEntry* m_list = nullptr;
+    u32 m_listEpoch = 0;
     u32 m_nextKey = 0;
     u32 m_placeOfKey = 0;
     std::string m_lastKey;

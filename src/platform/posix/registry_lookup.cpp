@@ -155,12 +155,17 @@ u32 NextStoredValue(RegistryStore& store, i64 id, u32 index, KeyWalk& walk, cons
 
 using List = std::span<const CacheEntry* const>;
 
-bool FindList(const RegistryCache& cache, CacheKind kind, i64 id, List& items) noexcept {
-    const CacheEntry* const list = cache.Find(kind, id, {});
-    if (list == nullptr || list->m_number == CacheEntry::kTooLong) {
+bool FindList(const RegistryCache& cache, CacheKind kind, i64 id, KeyWalk& walk,
+              List& items) noexcept {
+    const u32 epoch = cache.Epoch();
+    if (walk.m_list == nullptr || walk.m_listEpoch != epoch || walk.m_list->m_kind != kind) {
+        walk.m_list = cache.Find(kind, id, {});
+        walk.m_listEpoch = epoch;
+    }
+    if (walk.m_list == nullptr || walk.m_list->m_number == CacheEntry::kTooLong) {
         return false;
     }
-    items = {list->Items(), static_cast<std::size_t>(list->m_number)};
+    items = {walk.m_list->Items(), static_cast<std::size_t>(walk.m_list->m_number)};
     return true;
 }
 
@@ -245,7 +250,7 @@ u32 ReadRemembered(const RegistryCache& cache, i64 id, std::u16string_view name,
 u32 NextRememberedValue(const RegistryCache& cache, i64 id, u32 index, KeyWalk& walk,
                         const NameTarget& name, const ValueTarget& target) noexcept {
     List items;
-    if (!FindList(cache, CacheKind::kValueList, id, items)) {
+    if (!FindList(cache, CacheKind::kValueList, id, walk, items)) {
         return kNotRemembered;
     }
     RestartValuesIfBehind(walk, index);
@@ -268,7 +273,7 @@ u32 NextRememberedValue(const RegistryCache& cache, i64 id, u32 index, KeyWalk& 
 u32 NextRememberedKey(const RegistryCache& cache, i64 id, u32 index, KeyWalk& walk,
                       const NameTarget& name) noexcept {
     List items;
-    if (!FindList(cache, CacheKind::kKeyList, id, items) ||
+    if (!FindList(cache, CacheKind::kKeyList, id, walk, items) ||
         walk.m_lastKey.capacity() < 2 * kMaxKeyName) {
         return kNotRemembered;
     }

@@ -91,11 +91,13 @@ class OtherWriter {
                   }
               }
               return 0;
-          }) {}
+          }) {
+        ::close(m_orders[0]);
+        ::close(m_answers[1]);
+    }
     ~OtherWriter() {
-        for (const int end : {m_orders[0], m_orders[1], m_answers[0], m_answers[1]}) {
-            ::close(end);
-        }
+        ::close(m_orders[1]);
+        ::close(m_answers[0]);
     }
     bool Set(uint32_t number) {
         bool set = false;
