@@ -1,6 +1,8 @@
 # How the shared object is linked.
-target_link_libraries(qxcore_dependencies INTERFACE
-  SQLite::SQLite3 Threads::Threads ${CMAKE_DL_LIBS})
+target_link_libraries(qxcore_dependencies INTERFACE Threads::Threads ${CMAKE_DL_LIBS})
+
+# Loaded when the registry is first used.
+target_include_directories(w64qxcore6_objects SYSTEM PRIVATE ${SQLite3_INCLUDE_DIRS})
 
 # A unique global symbol would pin the library in memory after dlclose.
 target_compile_options(w64qxcore6_objects PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)

@@ -1,5 +1,9 @@
 #include "file/icu_streams.h"
 
+#include <atomic>
+
+#include "platform/libraries.h"
+
 // ICU's names carry its version, which its macros add.
 #define NAME_AS_TEXT(name) #name
 #define NAME_OF(function) NAME_AS_TEXT(function)
@@ -10,16 +14,19 @@ namespace {
 constinit std::atomic<bool> s_bound = false;
 
 bool BindAll(platform::HMODULE library) noexcept {
-    return Adopt.Bind(library, NAME_OF(u_fadopt)) && Close.Bind(library, NAME_OF(u_fclose)) &&
-           GetLine.Bind(library, NAME_OF(u_fgets)) && Write.Bind(library, NAME_OF(u_file_write));
+    const auto find = [library](const char* name) {
+        return platform::GetProcAddress(library, name);
+    };
+    return Adopt.Bind(find(NAME_OF(u_fadopt))) && Close.Bind(find(NAME_OF(u_fclose))) &&
+           GetLine.Bind(find(NAME_OF(u_fgets))) && Write.Bind(find(NAME_OF(u_file_write)));
 }
 
 }  // namespace
 
-constinit LateFunction<decltype(::u_fadopt)> Adopt;
-constinit LateFunction<decltype(::u_fclose)> Close;
-constinit LateFunction<decltype(::u_fgets)> GetLine;
-constinit LateFunction<decltype(::u_file_write)> Write;
+constinit platform::LateFunction<decltype(::u_fadopt)> Adopt;
+constinit platform::LateFunction<decltype(::u_fclose)> Close;
+constinit platform::LateFunction<decltype(::u_fgets)> GetLine;
+constinit platform::LateFunction<decltype(::u_file_write)> Write;
 
 bool Bind() noexcept {
     if (s_bound.load(std::memory_order_acquire)) {

@@ -24,6 +24,7 @@ namespace platform {
 //   14   no memory
 //   87   a name that is too long (255 units for a key, 16383 for a value), a bad pointer
 //   112  the disk is full
+//   126  what the store rests on is not installed
 //   170  another process was in the way for too long
 //   206  the store's path is too long
 //   1009 the store is damaged, or is a file of something else

@@ -66,7 +66,7 @@ i64 AddKey(RegistryStore& store, i64 parent, std::u16string_view name, std::stri
         .Bind(3, spelled)
         .Bind(4, path)
         .Step();
-    return ::sqlite3_last_insert_rowid(store.Database());
+    return sqlite::last_insert_rowid(store.Database());
 }
 
 // Makes what is missing on the way from a key down along a path.
@@ -158,7 +158,7 @@ u32 WriteValue(RegistryStore& store, i64 id, std::u16string_view name, u32 type,
         .Bind(4, i64{type})
         .Bind(5, data)
         .Step();
-    if (::sqlite3_changes(store.Database()) == 0) {
+    if (sqlite::changes(store.Database()) == 0) {
         return kErrorKeyDeleted;
     }
     FoldedText key;
@@ -174,7 +174,7 @@ u32 DeleteValue(RegistryStore& store, i64 id, std::u16string_view name) {
     const std::string folded = FoldedName(name);
     StoreMemory::OwnWrite write(store.Memory(), store.Connection());
     Query(store, Statement::kDeleteValue).Bind(1, id).Bind(2, folded).Step();
-    if (::sqlite3_changes(store.Database()) == 0) {
+    if (sqlite::changes(store.Database()) == 0) {
         return MissingOrDeleted(store, id, kErrorFileNotFound);
     }
     FoldedText key;

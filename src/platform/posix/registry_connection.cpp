@@ -47,7 +47,7 @@ constexpr StoreFailure kFilesChanged{kErrorBusy, true};
 
 sqlite3_file* FileOf(sqlite3* database) noexcept {
     sqlite3_file* file = nullptr;
-    ::sqlite3_file_control(database, "main", SQLITE_FCNTL_FILE_POINTER, &file);
+    sqlite::file_control(database, "main", SQLITE_FCNTL_FILE_POINTER, &file);
     return file;
 }
 
@@ -116,14 +116,14 @@ sqlite3* OpenFile(const std::string& name, int how, StoreVfs vfs = StoreVfs::kLo
     sqlite3* database = nullptr;
     errno = 0;  // SQLite reports it, also where the system had no part in the failure
     const int status =
-        ::sqlite3_open_v2(name.c_str(), &database,
-                          how | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_PRIVATECACHE, StoreVfsName(vfs));
+        sqlite::open_v2(name.c_str(), &database,
+                        how | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_PRIVATECACHE, StoreVfsName(vfs));
     if (status != SQLITE_OK) {
         const StoreFailure failure = StoreFailureOf(status, database);
-        ::sqlite3_close(database);
+        sqlite::close(database);
         throw failure;
     }
-    ::sqlite3_extended_result_codes(database, 1);
+    sqlite::extended_result_codes(database, 1);
     return database;
 }
 
@@ -161,7 +161,7 @@ StoreConnection::StoreConnection(const std::string& database, StoreVfs how)
 
 StoreConnection::~StoreConnection() {
     for (sqlite3_stmt* const statement : m_prepared) {
-        ::sqlite3_finalize(statement);
+        sqlite::finalize(statement);
     }
 }
 
@@ -170,22 +170,22 @@ StoreConnection::~StoreConnection() {
 int StoreConnection::Configure() noexcept {
     sqlite3* const database = Database();
     int persist = 1;
-    ::sqlite3_file_control(database, "main", SQLITE_FCNTL_PERSIST_WAL, &persist);
-    ::sqlite3_db_config(database, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
-    ::sqlite3_db_config(database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
-    ::sqlite3_db_config(database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
-    ::sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
-    ::sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
+    sqlite::file_control(database, "main", SQLITE_FCNTL_PERSIST_WAL, &persist);
+    sqlite::db_config(database, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+    sqlite::db_config(database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    sqlite::db_config(database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+    sqlite::db_config(database, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
+    sqlite::db_config(database, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
     m_steps.Watch(database);
     if (!TakesLocks()) {
         // Then SQLite makes an index of the log of its own and leaves the common one alone.
-        ::sqlite3_exec(database, "PRAGMA locking_mode=EXCLUSIVE", nullptr, nullptr, nullptr);
+        sqlite::exec(database, "PRAGMA locking_mode=EXCLUSIVE", nullptr, nullptr, nullptr);
     }
-    return ::sqlite3_exec(database,
-                          "PRAGMA temp_store=MEMORY; PRAGMA cell_size_check=ON;"
-                          "PRAGMA synchronous=NORMAL; PRAGMA journal_size_limit=4194304;"
-                          "SELECT 1 FROM sqlite_schema LIMIT 1",
-                          nullptr, nullptr, nullptr);
+    return sqlite::exec(database,
+                        "PRAGMA temp_store=MEMORY; PRAGMA cell_size_check=ON;"
+                        "PRAGMA synchronous=NORMAL; PRAGMA journal_size_limit=4194304;"
+                        "SELECT 1 FROM sqlite_schema LIMIT 1",
+                        nullptr, nullptr, nullptr);
 }
 
 void StoreConnection::OpenSnapshot() {
@@ -226,8 +226,8 @@ void StoreConnection::Settle() {
 sqlite3_stmt* StoreConnection::Prepared(Statement which) {
     sqlite3_stmt*& statement = m_prepared[static_cast<std::size_t>(which)];
     if (statement == nullptr) {
-        CheckStatus(::sqlite3_prepare_v3(Database(), kTexts[static_cast<std::size_t>(which)], -1,
-                                         SQLITE_PREPARE_PERSISTENT, &statement, nullptr),
+        CheckStatus(sqlite::prepare_v3(Database(), kTexts[static_cast<std::size_t>(which)], -1,
+                                       SQLITE_PREPARE_PERSISTENT, &statement, nullptr),
                     Database());
     }
     m_steps.Restart();
@@ -305,7 +305,7 @@ void StoreConnection::RemoveStaleFiles() {
 }
 
 void StoreConnection::WriteBack() noexcept {
-    ::sqlite3_db_config(Database(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 0, nullptr);
+    sqlite::db_config(Database(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 0, nullptr);
 }
 
 }  // namespace platform

@@ -3,7 +3,6 @@
 #ifndef QX_PLATFORM_POSIX_REGISTRY_CONNECTION_H
 #define QX_PLATFORM_POSIX_REGISTRY_CONNECTION_H
 
-#include <sqlite3.h>
 #include <sys/types.h>
 
 #include <array>
@@ -12,6 +11,7 @@
 
 #include "registry_files.h"
 #include "registry_schema.h"
+#include "registry_sqlite.h"
 #include "registry_vfs.h"
 
 namespace platform {
@@ -57,7 +57,7 @@ struct IndexState {
 class StepLimit {
   public:
     void Watch(sqlite3* database) noexcept {
-        ::sqlite3_progress_handler(database, kStepsInALap, CountLap, this);
+        sqlite::progress_handler(database, kStepsInALap, CountLap, this);
     }
     // To be called ahead of each statement.
     void Restart() noexcept { m_laps = 0; }
@@ -96,7 +96,7 @@ class StoreConnection {
     sqlite3* Database() const noexcept { return m_database.get(); }
     // A statement, ready to be run.
     sqlite3_stmt* Prepared(Statement which);
-    bool IsReadOnly() const noexcept { return ::sqlite3_db_readonly(Database(), "main") == 1; }
+    bool IsReadOnly() const noexcept { return sqlite::db_readonly(Database(), "main") == 1; }
     const FileState& File() const noexcept { return m_files.m_database; }
     const StorePaths& Paths() const noexcept { return m_paths; }
     const EffectiveIds& Owner() const noexcept { return m_owner; }
@@ -130,7 +130,7 @@ class StoreConnection {
 
   private:
     struct Closer {
-        void operator()(sqlite3* database) const noexcept { ::sqlite3_close_v2(database); }
+        void operator()(sqlite3* database) const noexcept { sqlite::close_v2(database); }
     };
 
     int Configure() noexcept;

@@ -8,7 +8,7 @@ namespace {
 // A file that cannot be opened has a reason of the system's. The database itself was found to be
 // there, so what is missing is a side file, which this user cannot make.
 u32 OpenFailure(sqlite3* database) noexcept {
-    const int error = database != nullptr ? ::sqlite3_system_errno(database) : 0;
+    const int error = database != nullptr ? sqlite::system_errno(database) : 0;
     return error == 0 || error == ENOENT ? static_cast<u32>(kErrorAccessDenied)
                                          : NativeErrorFromErrno(error);
 }

@@ -2,9 +2,8 @@
 #ifndef QX_PLATFORM_POSIX_REGISTRY_FAILURE_H
 #define QX_PLATFORM_POSIX_REGISTRY_FAILURE_H
 
-#include <sqlite3.h>
-
 #include "platform/types.h"
+#include "registry_sqlite.h"
 
 namespace platform {
 

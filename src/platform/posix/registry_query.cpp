@@ -3,27 +3,27 @@
 namespace platform {
 
 Query& Query::Bind(int parameter, i64 number) {
-    CheckStatus(::sqlite3_bind_int64(m_statement, parameter, number), m_database);
+    CheckStatus(sqlite::bind_int64(m_statement, parameter, number), m_database);
     return *this;
 }
 
 Query& Query::Bind(int parameter, std::string_view bytes) {
     // A null address would bind NULL and not an empty blob.
     const char* const data = bytes.data() != nullptr ? bytes.data() : "";
-    CheckStatus(::sqlite3_bind_blob64(m_statement, parameter, data, bytes.size(), SQLITE_STATIC),
+    CheckStatus(sqlite::bind_blob64(m_statement, parameter, data, bytes.size(), SQLITE_STATIC),
                 m_database);
     return *this;
 }
 
 bool Query::Step() {
-    const int status = ::sqlite3_step(m_statement);
+    const int status = sqlite::step(m_statement);
     CheckStatus(status, m_database);
     return status == SQLITE_ROW;
 }
 
 std::string_view Query::Blob(int column) noexcept {
-    const void* const data = ::sqlite3_column_blob(m_statement, column);
-    const int size = ::sqlite3_column_bytes(m_statement, column);
+    const void* const data = sqlite::column_blob(m_statement, column);
+    const int size = sqlite::column_bytes(m_statement, column);
     return {static_cast<const char*>(data), static_cast<std::size_t>(size)};
 }
 
@@ -39,10 +39,10 @@ WriteTransaction::WriteTransaction(RegistryStore& store) : m_store(store) {
 }
 
 WriteTransaction::~WriteTransaction() {
-    const auto isOpen = [this] { return ::sqlite3_get_autocommit(m_store.Database()) == 0; };
+    const auto isOpen = [this] { return sqlite::get_autocommit(m_store.Database()) == 0; };
     if (isOpen()) {
-        ::sqlite3_step(m_store.Prepared(Statement::kRollback));
-        ::sqlite3_reset(m_store.Prepared(Statement::kRollback));
+        sqlite::step(m_store.Prepared(Statement::kRollback));
+        sqlite::reset(m_store.Prepared(Statement::kRollback));
     }
     if (isOpen()) {
         // Nothing that comes later may become part of it.

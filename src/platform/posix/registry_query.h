@@ -13,7 +13,7 @@ class Query {
   public:
     Query(RegistryStore& store, Statement which)
         : m_database(store.Database()), m_statement(store.Prepared(which)) {}
-    ~Query() { ::sqlite3_reset(m_statement); }
+    ~Query() { sqlite::reset(m_statement); }
     Query(const Query&) = delete;
     Query& operator=(const Query&) = delete;
 
@@ -25,7 +25,7 @@ class Query {
     bool Step();
 
     // Columns count from 0.
-    i64 Integer(int column) noexcept { return ::sqlite3_column_int64(m_statement, column); }
+    i64 Integer(int column) noexcept { return sqlite::column_int64(m_statement, column); }
     std::string_view Blob(int column) noexcept;
 
   private:

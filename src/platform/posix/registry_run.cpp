@@ -1,6 +1,5 @@
 #include "registry_run.h"
 
-#include <sqlite3.h>
 #include <time.h>
 
 namespace platform {
@@ -18,7 +17,7 @@ i64 MonotonicMilliseconds() noexcept {
 void SleepWithJitter(u32 waits) noexcept {
     const u32 most = 50'000u << (waits < 6 ? waits : 6);
     u32 random = 0;
-    ::sqlite3_randomness(sizeof random, &random);
+    sqlite::randomness(sizeof random, &random);
     const timespec pause{.tv_sec = 0, .tv_nsec = most / 2 + random % (most / 2)};
     ::nanosleep(&pause, nullptr);
 }

@@ -63,6 +63,9 @@ template <typename Operation>
 u32 RunOnStore(StoreNumber which, Operation&& operation) noexcept {
     const ErrnoKeeper keepErrno;
     const CancellationOff noCancellation;
+    if (!sqlite::Bind()) {
+        return kErrorModuleNotFound;
+    }
     Patience patience;
     u32 number = kErrorSuccess;
     StoreFailure failure{};

@@ -70,22 +70,22 @@ constexpr std::array<Tree, 5> kTrees{{
 class OneTimeQuery {
   public:
     OneTimeQuery(sqlite3* database, const char* text) : m_database(database) {
-        CheckStatus(::sqlite3_prepare_v2(database, text, -1, &m_statement, nullptr), database);
+        CheckStatus(sqlite::prepare_v2(database, text, -1, &m_statement, nullptr), database);
     }
-    ~OneTimeQuery() { ::sqlite3_finalize(m_statement); }
+    ~OneTimeQuery() { sqlite::finalize(m_statement); }
     OneTimeQuery(const OneTimeQuery&) = delete;
     OneTimeQuery& operator=(const OneTimeQuery&) = delete;
 
     sqlite3_stmt* Get() const noexcept { return m_statement; }
     bool Step() {
-        const int status = ::sqlite3_step(m_statement);
+        const int status = sqlite::step(m_statement);
         CheckStatus(status, m_database);
         return status == SQLITE_ROW;
     }
     // Empty for NULL.
     std::string_view Text(int column) noexcept {
         const auto* const text =
-            reinterpret_cast<const char*>(::sqlite3_column_text(m_statement, column));
+            reinterpret_cast<const char*>(sqlite::column_text(m_statement, column));
         return text != nullptr ? text : std::string_view();
     }
 
@@ -95,20 +95,20 @@ class OneTimeQuery {
 };
 
 void Execute(sqlite3* database, const char* text) {
-    CheckStatus(::sqlite3_exec(database, text, nullptr, nullptr, nullptr), database);
+    CheckStatus(sqlite::exec(database, text, nullptr, nullptr, nullptr), database);
 }
 
 i64 NumberOf(sqlite3* database, const char* text) {
     OneTimeQuery query(database, text);
     query.Step();
-    return ::sqlite3_column_int64(query.Get(), 0);
+    return sqlite::column_int64(query.Get(), 0);
 }
 
 void AddRoot(sqlite3* database, const Tree& tree) {
     const std::string name = StoredName(tree.name);
     OneTimeQuery query(database, "INSERT INTO keys(id, folded, name, path) VALUES(?1, ?2, ?2, ?2)");
-    ::sqlite3_bind_int64(query.Get(), 1, tree.root);
-    ::sqlite3_bind_blob64(query.Get(), 2, name.data(), name.size(), SQLITE_STATIC);
+    sqlite::bind_int64(query.Get(), 1, tree.root);
+    sqlite::bind_blob64(query.Get(), 2, name.data(), name.size(), SQLITE_STATIC);
     query.Step();
 }
 
@@ -185,7 +185,7 @@ bool UseLog(sqlite3* database) {
     if (KeepsLog(database, "PRAGMA journal_mode")) {
         return true;
     }
-    if (::sqlite3_db_readonly(database, "main") != 0 ||
+    if (sqlite::db_readonly(database, "main") != 0 ||
         !KeepsLog(database, "PRAGMA journal_mode=WAL")) {
         return false;
     }

@@ -2,11 +2,10 @@
 #ifndef QX_PLATFORM_POSIX_REGISTRY_SCHEMA_H
 #define QX_PLATFORM_POSIX_REGISTRY_SCHEMA_H
 
-#include <sqlite3.h>
-
 #include <string_view>
 
 #include "registry_location.h"
+#include "registry_sqlite.h"
 
 namespace platform {
 

@@ -223,6 +223,7 @@ void CloseRegistryStores() noexcept {
         store.CloseForGood();
     }
     ForgetStoreVfs();
+    sqlite::Release();
     ReleaseGuardedPages();
 }
 

@@ -105,7 +105,7 @@ int Register() noexcept {
                                     sizeof(FileAddition));
     vfs.xSleep = DoNotSleep;
     vfs.xOpen = Open<kWhich>;
-    const int status = ::sqlite3_vfs_register(&vfs, 0);
+    const int status = sqlite::vfs_register(&vfs, 0);
     if (status != SQLITE_OK) {
         vfs.zName = nullptr;
     }
@@ -113,7 +113,7 @@ int Register() noexcept {
 }
 
 int RegisterAll() noexcept {
-    s_system = ::sqlite3_vfs_find("unix");
+    s_system = sqlite::vfs_find("unix");
     if (s_system == nullptr) {
         return SQLITE_ERROR;
     }
@@ -128,6 +128,9 @@ bool AreRegistered() noexcept {
 }  // namespace
 
 const char* StoreVfsName(StoreVfs which) {
+    if (!sqlite::Bind()) {
+        throw StoreFailure{kErrorModuleNotFound, false};
+    }
     EnterCriticalSection(&s_lock);
     const int status = AreRegistered() ? SQLITE_OK : RegisterAll();
     LeaveCriticalSection(&s_lock);
@@ -137,7 +140,7 @@ const char* StoreVfsName(StoreVfs which) {
 
 void MarkWrites(sqlite3* database, StoreWord* word) noexcept {
     sqlite3_file* file = nullptr;
-    ::sqlite3_file_control(database, "main", SQLITE_FCNTL_FILE_POINTER, &file);
+    sqlite::file_control(database, "main", SQLITE_FCNTL_FILE_POINTER, &file);
     if (file != nullptr && file->pMethods != nullptr) {
         AdditionOf(file).m_word = word;
     }
@@ -146,7 +149,7 @@ void MarkWrites(sqlite3* database, StoreWord* word) noexcept {
 void ForgetStoreVfs() noexcept {
     for (sqlite3_vfs& vfs : s_vfs) {
         if (vfs.zName != nullptr) {
-            ::sqlite3_vfs_unregister(&vfs);
+            sqlite::vfs_unregister(&vfs);
             vfs.zName = nullptr;
         }
     }

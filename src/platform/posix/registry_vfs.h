@@ -3,7 +3,7 @@
 #ifndef QX_PLATFORM_POSIX_REGISTRY_VFS_H
 #define QX_PLATFORM_POSIX_REGISTRY_VFS_H
 
-#include <sqlite3.h>
+#include "registry_sqlite.h"
 
 namespace platform {
 
@@ -12,8 +12,7 @@ class StoreWord;
 enum class StoreVfs {
     // When other processes are in its way SQLite sleeps for up to ten seconds before it says so,
     // behind the store's lock and in the way of a fork. Opened like this it says so at once, and
-    // the
-    // operation waits where it holds nothing.
+    // the operation waits where it holds nothing.
     kLocking,
     // Takes no lock on the database, so that nobody else's is in its way. SQLite itself still keeps
     // account of the file's descriptors: to close one drops the locks of the whole process.

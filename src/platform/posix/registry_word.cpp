@@ -1,7 +1,6 @@
 #include "registry_word.h"
 
 #include <fcntl.h>
-#include <sqlite3.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 
@@ -10,6 +9,7 @@
 #include <utility>
 
 #include "descriptors.h"
+#include "registry_sqlite.h"
 #include "registry_word_guard.h"
 
 namespace platform {
@@ -206,7 +206,7 @@ bool StoreWord::Make(const DatabaseIdentity& database) noexcept {
     std::memcpy(content.m_magic, kMagic, sizeof kMagic);
     content.m_inode = database.m_inode;
     content.m_born = database.m_born;
-    ::sqlite3_randomness(sizeof content.m_word, &content.m_word);
+    sqlite::randomness(sizeof content.m_word, &content.m_word);
     content.m_word = content.m_word >> 2 | kFirstNumber | 1;
     if (WriteWhole(file.Get(), content) && GiveTo(database, file.Get()) && Map(file.Get(), true) &&
         ::rename(m_newPlace, m_place) == 0) {
