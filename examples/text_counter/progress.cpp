@@ -14,7 +14,7 @@ Progress::Progress(bool isShown) {
     Check(QXMutexCreate("Progress", QX_MUTEX_STATS, m_lock.Slot()), "QXMutexCreate");
     Check(QXEventCreate("Progress::m_end", 0, m_end.Slot()), "QXEventCreate");
     if (isShown) {
-        m_thread.emplace([this] { ShowUntilTheEnd(); });
+        m_thread = std::make_unique<Thread>([this] { ShowUntilTheEnd(); });
     }
 }
 

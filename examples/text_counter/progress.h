@@ -2,7 +2,7 @@
 #ifndef EXAMPLES_PROGRESS_H
 #define EXAMPLES_PROGRESS_H
 
-#include <optional>
+#include <memory>
 
 #include "support.h"
 #include "thread.h"
@@ -32,7 +32,7 @@ class Progress {
     Mutex m_lock;
     Done m_done = {};
     Event m_end;
-    std::optional<Thread> m_thread;
+    std::unique_ptr<Thread> m_thread;
 };
 
 #endif

@@ -40,9 +40,12 @@ struct PipeWriting {
     const WriteSignalsHeld m_noSignals;
 };
 
-// The kernel moves at most about 2 GiB at once, and says how much that was; less is all there is.
+// The kernel moves at most about 2 GiB at once and says how much that was. Less is all that there
+// is to read; of what is written to a pipe a signal may have kept the rest back.
+enum class Less { kIsAll, kHasARest };
+
 template <typename Byte, typename Move>
-bool MoveAll(Byte* bytes, u32 count, u32* done, Move move) noexcept {
+bool MoveAll(Byte* bytes, u32 count, u32* done, Less less, Move move) noexcept {
     constexpr ssize_t kKernelLimit = 0x7FFFF000;
     for (;;) {
         const ssize_t moved = move(bytes + *done, std::size_t{count - *done});
@@ -53,7 +56,8 @@ bool MoveAll(Byte* bytes, u32 count, u32* done, Move move) noexcept {
             return *done != 0 || FailByErrno();
         }
         *done += static_cast<u32>(moved);
-        if (moved < kKernelLimit) {
+        const bool goesOn = less == Less::kHasARest || moved >= kKernelLimit;
+        if (moved == 0 || *done == count || !goesOn) {
             return true;
         }
     }
@@ -100,7 +104,7 @@ bool ReadFile(HANDLE handle, void* buffer, u32 count, u32* done) noexcept {
         return FailWith(kErrorAccessDenied);
     }
     const bool read =
-        MoveAll(static_cast<char*>(buffer), count, done,
+        MoveAll(static_cast<char*>(buffer), count, done, Less::kIsAll,
                 [&](char* to, std::size_t n) { return Read(file->Descriptor(), to, n); });
     if (read && *done == 0 && count != 0 && file->IsPipe()) {
         return FailWith(kErrorBrokenPipe);
@@ -123,7 +127,7 @@ bool WriteFile(HANDLE handle, const void* buffer, u32 count, u32* done) noexcept
         held.emplace();
     }
     return MoveAll(
-        static_cast<const char*>(buffer), count, done,
+        static_cast<const char*>(buffer), count, done, Less::kHasARest,
         [&](const char* from, std::size_t n) { return Write(file->Descriptor(), from, n); });
 }
 
