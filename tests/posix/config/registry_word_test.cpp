@@ -160,11 +160,17 @@ TEST_F(RegistryWord, ADamagedFileNeitherEndsAProcessNorLetsItMissAWriteForLong) 
     EXPECT_EQ(fs::file_size(word), 4096u);
 }
 
+ino_t InodeOf(const fs::path& file) {
+    struct stat status;
+    return ::stat(file.c_str(), &status) == 0 ? status.st_ino : 0;
+}
+
 TEST_F(RegistryWord, AFileOfAnotherStoreServesNobody) {
     ASSERT_TRUE(SetNumber(7));
     ASSERT_TRUE(SetNumber(7, QX_HKEY_CONFIG));
     fs::copy_file(File("machine.db-word"), File("copy"));
     ::chmod(File("copy").c_str(), 0600);
+    const ino_t ofAnother = InodeOf(File("copy"));
     fs::rename(File("copy"), File("user.db-word"));
     OtherWriter other;  // it has no other word than this
     ASSERT_TRUE(other.Set(8));
@@ -172,6 +178,7 @@ TEST_F(RegistryWord, AFileOfAnotherStoreServesNobody) {
     ASSERT_TRUE(SetNumber(9));
     ASSERT_TRUE(other.Set(10));
     EXPECT_EQ(Number(), 10u);
+    EXPECT_NE(InodeOf(File("user.db-word")), ofAnother) << "it was replaced";
 }
 
 TEST_F(RegistryWord, AReaderWhoMayNotWriteSeesEachWriteAtOnce) {
