@@ -10,9 +10,8 @@
 //   New    closed, none -> open, one (release), by whoever took the place from the free ones
 //   Pin    open -> one more (acquire)
 //   Close  open -> closed, by one caller alone
-//   Drop   one less (release). The last one (acquire) gives the place back, with the next
-//   generation,
-//          and deletes the object. Closed with none is never left but by New.
+//   Drop   one less (release). The last one (acquire) gives the place back with the next
+//          generation, and deletes the object. Closed with none is never left but by New.
 // m_object is written by New before the release, and read by those who have a reference. m_nextFree
 // is guarded by the table's lock.
 #ifndef QX_PLATFORM_POSIX_CHECKED_HANDLES_H

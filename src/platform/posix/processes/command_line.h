@@ -13,8 +13,7 @@ namespace platform {
 // - blanks and tabs between double quotes belong to an argument, all others end it;
 // - a pair of quotes between quotes is one quote, and the part between quotes goes on;
 // - in front of a quote, two backslashes are one, and one that is left makes the quote a part of
-// the
-//   argument;
+//   the argument;
 // - other backslashes are themselves.
 std::vector<std::u16string> SplitCommandLine(std::u16string_view line);
 
