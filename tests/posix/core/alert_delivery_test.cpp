@@ -41,15 +41,27 @@ std::string ReadAll(int descriptor) {
     return text;
 }
 
+void Log(int priority, const char* format, va_list arguments) {
+    char text[2000];
+    vsnprintf(text, sizeof text, format, arguments);
+    s_logged += std::to_string(priority) + " " + text + "\n";
+}
+
 }  // namespace
 
 extern "C" void syslog(int priority, const char* format, ...) {
-    char text[2000];
     va_list arguments;
     va_start(arguments, format);
-    vsnprintf(text, sizeof text, format, arguments);
+    Log(priority, format, arguments);
     va_end(arguments);
-    s_logged += std::to_string(priority) + " " + text + "\n";
+}
+
+// What a hardened build calls instead.
+extern "C" void __syslog_chk(int priority, int, const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    Log(priority, format, arguments);
+    va_end(arguments);
 }
 
 namespace {
