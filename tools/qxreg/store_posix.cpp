@@ -63,6 +63,10 @@ template <typename Step>
 auto Persist(const std::filesystem::path& file, Step step) {
     constexpr int kMostAttempts = 1000;
     constexpr timespec kPause{0, 10'000'000};
+    // The library's part calls it by addresses of its own.
+    if (!platform::sqlite::Bind()) {
+        Refuse(file, "SQLite is not installed");
+    }
     for (int attempt = 1;; ++attempt) {
         try {
             return step();
