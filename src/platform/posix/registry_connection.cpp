@@ -241,25 +241,30 @@ bool StoreConnection::IsSafe() {
     return !m_logged || m_index.IsWhole();
 }
 
+// The index first: by the look at the log, whoever writes has only made that longer.
 bool StoreConnection::IsInPlace() {
-    return (!m_logged || m_index.IsWhole()) && Fits(LookAt(m_paths));
+    if (m_logged && !m_index.IsWhole()) {
+        return false;
+    }
+    const i64 logSize = LogSizeByIndex();
+    return Fits(LookAt(m_paths), logSize);
 }
 
-bool StoreConnection::Fits(const StoreFiles& now) noexcept {
+bool StoreConnection::Fits(const StoreFiles& now, i64 logSize) const noexcept {
     if (!now.m_database.IsSameFile(m_files.m_database) || !now.m_log.IsSameFile(m_files.m_log)) {
         return false;
     }
     if (m_snapshot) {
         return now.m_log.m_size == 0 && now.m_database == m_files.m_database;
     }
-    return !m_logged || (now.m_index.IsSameFile(m_files.m_index) && LogIsWhole(now.m_log));
+    return !m_logged || (now.m_index.IsSameFile(m_files.m_index) && now.m_log.m_size >= logSize);
 }
 
 // A log that the index knows more of than there is was cut, or was begun anew between the two
-// looks.
-bool StoreConnection::LogIsWhole(const FileState& log) noexcept {
-    const volatile void* const index = MappedIndex(Database());
-    return index == nullptr || log.m_size >= LogSizeBy(index);
+// looks. To be called while the index is whole.
+i64 StoreConnection::LogSizeByIndex() const noexcept {
+    const volatile void* const index = m_logged ? MappedIndex(Database()) : nullptr;
+    return index != nullptr ? LogSizeBy(index) : 0;
 }
 
 IndexState StoreConnection::Index() const noexcept {
@@ -291,8 +296,10 @@ void StoreConnection::RemoveStaleFiles() {
         return;
     }
     const WriterLock lock(FileOf(Database()));
+    const bool isWhole = m_index.IsWhole();
+    const i64 logSize = isWhole ? LogSizeByIndex() : 0;
     const StoreFiles before = LookAt(m_paths);
-    if (m_index.IsWhole() && Fits(before)) {
+    if (isWhole && Fits(before, logSize)) {
         return;
     }
     if (lock.IsHeld()) {

@@ -135,8 +135,8 @@ class StoreConnection {
 
     int Configure() noexcept;
     void OpenSnapshot();
-    bool LogIsWhole(const FileState& log) noexcept;
-    bool Fits(const StoreFiles& now) noexcept;
+    i64 LogSizeByIndex() const noexcept;
+    bool Fits(const StoreFiles& now, i64 logSize) const noexcept;
     void RemoveFilesOfMine(const StoreFiles& now) noexcept;
 
     StoreVfs m_how;

@@ -71,10 +71,21 @@ bool RegistryStore::IsPastUse(Purpose purpose) const noexcept {
                                            !m_memory.Word().IsStill(m_readAt));
 }
 
+// The lock under which stale files are removed is no write to the store. If they cannot be removed
+// the connection goes on, and its writes are marked again.
 void RegistryStore::Follow() {
+    struct Unmarked {
+        explicit Unmarked(RegistryStore& store) noexcept : m_store(store) {
+            MarkWrites(m_store.Database(), nullptr);
+        }
+        ~Unmarked() { MarkWrites(m_store.Database(), &m_store.m_memory.Word()); }
+        RegistryStore& m_store;
+    };
     m_memory.LookSoon();  // if this fails, the next operation tries again
-    MarkWrites(Database(), nullptr);
-    m_connection->RemoveStaleFiles();
+    {
+        const Unmarked unmarked(*this);
+        m_connection->RemoveStaleFiles();
+    }
     if (!m_connection->IsToTheSameFile()) {
         NewIncarnation();
     }
