@@ -8,18 +8,20 @@
 #include <filesystem>
 #include <string>
 
-inline void Execute(const std::filesystem::path& store, const std::string& text) {
+inline void Execute(const std::filesystem::path& store, const std::string& text,
+                    int keepsSideFiles = 0) {
     sqlite3* database = nullptr;
     ASSERT_EQ(::sqlite3_open(store.c_str(), &database), SQLITE_OK);
+    ::sqlite3_file_control(database, "main", SQLITE_FCNTL_PERSIST_WAL, &keepsSideFiles);
     EXPECT_EQ(::sqlite3_exec(database, text.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
         << text << ": " << ::sqlite3_errmsg(database);
     ::sqlite3_close(database);
 }
 
-// Into the database, so that its side files can go. The end of a process does so only if it has no
-// other threads, and a sanitizer has one of its own.
+// Into the database, so that its side files hold nothing. The end of a process does so only if it
+// has no other threads, and a sanitizer has one of its own.
 inline void WriteLogBack(const std::filesystem::path& store) {
-    Execute(store, "PRAGMA wal_checkpoint(TRUNCATE)");
+    Execute(store, "PRAGMA wal_checkpoint(TRUNCATE)", 1);
 }
 
 #endif
