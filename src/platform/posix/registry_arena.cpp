@@ -7,7 +7,7 @@
 namespace platform {
 namespace {
 
-constexpr std::size_t kFirstPiece = 64 * 1024;
+constexpr std::size_t kFirstPiece = std::size_t{64} * 1024;
 constexpr std::size_t kAlignment = 8;
 
 constexpr std::size_t RoundUp(std::size_t size, std::size_t unit) noexcept {

@@ -20,7 +20,7 @@ class RegistryArena {
     void Empty() noexcept;
     void Release() noexcept;
 
-    static constexpr std::size_t kMost = 8 * 1024 * 1024;
+    static constexpr std::size_t kMost = std::size_t{8} * 1024 * 1024;
 
   private:
     struct Piece {

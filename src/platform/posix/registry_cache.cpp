@@ -4,6 +4,7 @@
 
 #include <cstring>
 #include <new>
+#include <span>
 #include <utility>
 
 #include "processor_pause.h"
@@ -129,11 +130,12 @@ CacheEntry* RegistryCache::New(const NewCacheEntry& from) noexcept {
 
 CacheEntry* RegistryCache::NewList(CacheKind kind, i64 owner, const CacheEntry* const* items,
                                    std::size_t count) noexcept {
-    CacheEntry* const list = NewEntry(kind, owner, {}, count * sizeof *items);
+    const std::size_t size = std::span(items, count).size_bytes();
+    CacheEntry* const list = NewEntry(kind, owner, {}, size);
     if (list != nullptr) {
         list->m_number = static_cast<i64>(count);
         if (count != 0) {
-            std::memcpy(list->Body(), items, count * sizeof *items);
+            std::memcpy(list->Body(), items, size);
         }
     }
     return list;

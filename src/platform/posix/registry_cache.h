@@ -74,7 +74,7 @@ class RegistryCache {
     RegistryCache& operator=(const RegistryCache&) = delete;
 
     // A value that is longer than this is not kept, and a list of more bytes neither.
-    static constexpr std::size_t kMostValue = 64 * 1024;
+    static constexpr std::size_t kMostValue = std::size_t{64} * 1024;
     static constexpr std::size_t kMostList = RegistryArena::kMost / 4;
 
     // To be called between BeginUse and EndUse. Null if it is not known.

@@ -14,6 +14,7 @@ constinit std::atomic<void*> s_library = nullptr;
 
 bool BindAll(void* library) noexcept {
     bool found = true;
+// NOLINTNEXTLINE(bugprone-macro-parentheses): a name
 #define QX_SQLITE_FUNCTION(name) found = name.Bind(::dlsym(library, "sqlite3_" #name)) && found;
 #include "registry_sqlite_functions.inc"
 #undef QX_SQLITE_FUNCTION
@@ -37,6 +38,7 @@ bool Load() noexcept {
 
 }  // namespace
 
+// NOLINTNEXTLINE(bugprone-macro-parentheses): a name
 #define QX_SQLITE_FUNCTION(name) constinit LateFunction<decltype(::sqlite3_##name)> name;
 #include "registry_sqlite_functions.inc"
 #undef QX_SQLITE_FUNCTION

@@ -17,6 +17,7 @@ bool Bind() noexcept;
 void Release() noexcept;
 
 // Named as SQLite's own, without "sqlite3_".
+// NOLINTNEXTLINE(bugprone-macro-parentheses): a name that is declared
 #define QX_SQLITE_FUNCTION(name) extern constinit LateFunction<decltype(::sqlite3_##name)> name;
 #include "registry_sqlite_functions.inc"
 #undef QX_SQLITE_FUNCTION
