@@ -9,23 +9,12 @@ namespace {
 constinit thread_local int t_untilFault = 0;
 constinit thread_local bool t_struck = false;
 
-bool FaultStrikesNow() {
-    if (t_untilFault == 0 || --t_untilFault != 0) {
-        return false;
-    }
-    t_struck = true;
-    return true;
-}
-
 void* Allocate(std::size_t size) {
-    return FaultStrikesNow() ? nullptr : std::malloc(size != 0 ? size : 1);
-}
-
-void* AllocateOrThrow(std::size_t size) {
-    if (void* const block = Allocate(size)) {
-        return block;
+    if (t_untilFault != 0 && --t_untilFault == 0) {
+        t_struck = true;
+        return nullptr;
     }
-    throw std::bad_alloc();
+    return std::malloc(size != 0 ? size : 1);
 }
 
 }  // namespace
@@ -39,11 +28,15 @@ bool AllocationHasFailed() {
     return t_struck;
 }
 
+// All forms that the library uses: a sanitizer has its own of each.
 void* operator new(std::size_t size) {
-    return AllocateOrThrow(size);
+    if (void* const block = Allocate(size)) {
+        return block;
+    }
+    throw std::bad_alloc();
 }
 void* operator new[](std::size_t size) {
-    return AllocateOrThrow(size);
+    return operator new(size);
 }
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
     return Allocate(size);

@@ -7,6 +7,9 @@
 
 // Whether this is Wine, and neither the reference platform itself nor Linux.
 bool RunsUnderWine();
+inline bool DoesNotRunUnderWine() {
+    return !RunsUnderWine();
+}
 
 #ifdef _WIN32
 inline constexpr bool kOnReferencePlatform = true;
@@ -57,55 +60,35 @@ inline void UseLocaleOfNarrowLetters() {
 
 // Wine orders keys by their names in lower case, the reference platform in upper case: `_` stands
 // between the two.
-inline bool KeysAreOrderedInLowerCase() {
-    return RunsUnderWine();
-}
+inline constexpr auto& KeysAreOrderedInLowerCase = RunsUnderWine;
 
 // Wine lets a key's name have 256 units, one more than the reference platform.
-inline bool KeyNamesMayHave256Units() {
-    return RunsUnderWine();
-}
+inline constexpr auto& KeyNamesMayHave256Units = RunsUnderWine;
 
 // Wine takes the `%` behind an unknown variable as its end and never as the next one's beginning.
-inline bool UnknownVariableTakesItsEnd() {
-    return RunsUnderWine();
-}
+inline constexpr auto& UnknownVariableTakesItsEnd = RunsUnderWine;
 
 // Wine ends a thread where it stands, also while it changes Wine's own table of handles. An
 // assertion of Wine's (server_get_unix_fd) then ends about one process in seven.
-inline bool BusyProcessesMayEndBadly() {
-    return RunsUnderWine();
-}
+inline constexpr auto& BusyProcessesMayEndBadly = RunsUnderWine;
 
 // Wine moves a file's position behind 4 GiB also where only 32 bits of it can be told.
-inline bool NarrowSeeksEndAtFourGigabytes() {
-    return !RunsUnderWine();
-}
+inline constexpr auto& NarrowSeeksEndAtFourGigabytes = DoesNotRunUnderWine;
 
 // Wine truncates a file that is opened without write access.
-inline bool TruncationNeedsWriteAccess() {
-    return !RunsUnderWine();
-}
+inline constexpr auto& TruncationNeedsWriteAccess = DoesNotRunUnderWine;
 
 // Wine asks the system about the read-only attribute, which lets its administrator do everything.
-inline bool ReadOnlyAttributeBindsTheAdministrator() {
-    return !RunsUnderWine();
-}
+inline constexpr auto& ReadOnlyAttributeBindsTheAdministrator = DoesNotRunUnderWine;
 
 // Wine says of an empty path that it cannot be made whole, but leaves the last error alone.
-inline bool AnEmptyPathHasAnErrorOfItsOwn() {
-    return !RunsUnderWine();
-}
+inline constexpr auto& AnEmptyPathHasAnErrorOfItsOwn = DoesNotRunUnderWine;
 
 // Wine's heap grows by some 30 bytes with each loading and unloading, and it maps a little more now
 // and then.
-inline bool LoaderKeepsMemoryOfARound() {
-    return RunsUnderWine();
-}
+inline constexpr auto& LoaderKeepsMemoryOfARound = RunsUnderWine;
 
 // Wine forgets the name of a mapping with its last handle, though a view of it is left.
-inline bool ViewsKeepTheNameOfAMapping() {
-    return !RunsUnderWine();
-}
+inline constexpr auto& ViewsKeepTheNameOfAMapping = DoesNotRunUnderWine;
 
 #endif

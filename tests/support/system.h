@@ -4,6 +4,7 @@
 #define TESTS_SUPPORT_SYSTEM_H
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -23,7 +24,9 @@ void UnsetEnvironment(const std::string& name);
 std::filesystem::path ProgramPath();
 
 // A module of the test tree by the name of its file: all stand in one folder with the programs.
-std::filesystem::path ModulePath(const std::string& fileName);
+inline std::filesystem::path ModulePath(const std::string& fileName) {
+    return ProgramPath().parent_path() / fileName;
+}
 
 // A module that the test itself loads.
 class LoadedModule {
@@ -85,27 +88,33 @@ class ChildProcess {
     static ChildProcess OfProgram(const std::filesystem::path& file, const Arguments& arguments);
 
     ~ChildProcess();  // kills one that nobody has waited for
-    ChildProcess(ChildProcess&& other) noexcept;
-    ChildProcess& operator=(ChildProcess&&) = delete;
+    ChildProcess(ChildProcess&& other) noexcept = default;
 
     void WriteLine(const std::string& line);
     // The next line, without its end; empty at the end of the output.
     std::string ReadLine();
-
     // Closes the input, takes what is left of the output and waits for the end. Returns the exit
     // code, or -1 for a child that a signal or a fault has ended.
     int Wait();
-    // What was left of the output when Wait was called.
-    const std::string& Output() const { return m_output; }
     // Ends the child as it stands, and waits for that.
     void Kill();
 
   private:
-    struct System;
-    explicit ChildProcess(std::unique_ptr<System> system);
+    struct Process {
+        std::intptr_t id;
+        int input;  // descriptors of the C runtime
+        int output;
+    };
+    explicit ChildProcess(Process process) : m_process(std::make_unique<Process>(process)) {}
 
-    std::unique_ptr<System> m_system;
-    std::string m_output;
+    // For each platform. The ends of a pipe are for reading and writing, and nobody inherits them.
+    static int MakePipe(int* ends);
+    static bool Start(const std::filesystem::path& file, const Arguments& arguments, int input,
+                      int output, std::intptr_t* id);
+    static int ExitCode(std::intptr_t id);  // when it has ended
+    static void Terminate(std::intptr_t id);
+
+    std::unique_ptr<Process> m_process;
 };
 
 // Memory that ends where the next byte may not be touched, and begins where the one before may not.

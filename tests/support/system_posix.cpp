@@ -16,35 +16,6 @@
 
 extern "C" char** environ;
 
-namespace {
-
-[[noreturn]] void Die(const char* what, const char* of) {
-    std::fprintf(stderr, "%s: %s\n", what, of);
-    std::abort();
-}
-
-struct Pipe {
-    Pipe() {
-        int ends[2];
-        if (::pipe2(ends, O_CLOEXEC) != 0) {
-            Die("no pipe", "");
-        }
-        read = ends[0];
-        write = ends[1];
-    }
-    int read;
-    int write;
-};
-
-void CloseOnce(int* descriptor) {
-    if (*descriptor >= 0) {
-        ::close(*descriptor);
-        *descriptor = -1;
-    }
-}
-
-}  // namespace
-
 bool RunsUnderWine() {
     return false;
 }
@@ -63,14 +34,11 @@ std::filesystem::path ProgramPath() {
     return std::filesystem::read_symlink("/proc/self/exe");
 }
 
-std::filesystem::path ModulePath(const std::string& fileName) {
-    return ProgramPath().parent_path() / fileName;
-}
-
 LoadedModule::LoadedModule(const std::filesystem::path& file)
     : m_module(::dlopen(file.c_str(), RTLD_NOW)) {
     if (m_module == nullptr) {
-        Die("not loaded", ::dlerror());
+        std::fprintf(stderr, "not loaded: %s\n", ::dlerror());
+        std::abort();
     }
 }
 
@@ -121,77 +89,36 @@ OwnRegistry::OwnRegistry() {
 
 OwnRegistry::~OwnRegistry() = default;
 
-struct ChildProcess::System {
-    pid_t id = -1;
-    int input = -1;
-    int output = -1;
-};
+int ChildProcess::MakePipe(int* ends) {
+    return ::pipe2(ends, O_CLOEXEC);
+}
 
-ChildProcess::ChildProcess(std::unique_ptr<System> system) : m_system(std::move(system)) {}
-ChildProcess::ChildProcess(ChildProcess&& other) noexcept = default;
-
-ChildProcess ChildProcess::OfProgram(const std::filesystem::path& file,
-                                     const Arguments& arguments) {
+bool ChildProcess::Start(const std::filesystem::path& file, const Arguments& arguments, int input,
+                         int output, std::intptr_t* id) {
     std::vector<char*> words = {const_cast<char*>(file.c_str())};
     for (const std::string& argument : arguments) {
         words.push_back(const_cast<char*>(argument.c_str()));
     }
     words.push_back(nullptr);
-    const Pipe input;
-    const Pipe output;
     posix_spawn_file_actions_t actions;
     ::posix_spawn_file_actions_init(&actions);
-    ::posix_spawn_file_actions_adddup2(&actions, input.read, STDIN_FILENO);
-    ::posix_spawn_file_actions_adddup2(&actions, output.write, STDOUT_FILENO);
-    auto system = std::make_unique<System>();
-    if (::posix_spawn(&system->id, file.c_str(), &actions, nullptr, words.data(), environ) != 0) {
-        Die("not started", file.c_str());
-    }
+    ::posix_spawn_file_actions_adddup2(&actions, input, STDIN_FILENO);
+    ::posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
+    pid_t child = -1;
+    const int error = ::posix_spawn(&child, file.c_str(), &actions, nullptr, words.data(), environ);
     ::posix_spawn_file_actions_destroy(&actions);
-    ::close(input.read);
-    ::close(output.write);
-    system->input = input.write;
-    system->output = output.read;
-    return ChildProcess(std::move(system));
+    *id = child;
+    return error == 0;
 }
 
-ChildProcess::~ChildProcess() {
-    if (m_system != nullptr) {
-        Kill();
-    }
-}
-
-void ChildProcess::WriteLine(const std::string& line) {
-    const std::string whole = line + "\n";
-    if (::write(m_system->input, whole.data(), whole.size()) < 0) {
-        std::perror("a line to a child");
-    }
-}
-
-std::string ChildProcess::ReadLine() {
-    std::string line;
-    for (char unit; ::read(m_system->output, &unit, 1) == 1 && unit != '\n';) {
-        line += unit;
-    }
-    return line;
-}
-
-int ChildProcess::Wait() {
-    CloseOnce(&m_system->input);
-    char block[4096];
-    for (ssize_t got; (got = ::read(m_system->output, block, sizeof block)) > 0;) {
-        m_output.append(block, static_cast<size_t>(got));
-    }
-    CloseOnce(&m_system->output);
+int ChildProcess::ExitCode(std::intptr_t id) {
     int status = 0;
-    const bool ended = ::waitpid(m_system->id, &status, 0) == m_system->id && WIFEXITED(status);
-    m_system.reset();
-    return ended ? WEXITSTATUS(status) : -1;
+    const auto child = static_cast<pid_t>(id);
+    return ::waitpid(child, &status, 0) == child && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
-void ChildProcess::Kill() {
-    ::kill(m_system->id, SIGKILL);
-    Wait();
+void ChildProcess::Terminate(std::intptr_t id) {
+    ::kill(static_cast<pid_t>(id), SIGKILL);
 }
 
 FencedPage::FencedPage() : m_size(static_cast<std::size_t>(::sysconf(_SC_PAGESIZE))) {

@@ -25,60 +25,32 @@ std::wstring Wide(const std::string& text) {
     return std::filesystem::path(std::u8string(text.begin(), text.end())).wstring();
 }
 
-// An argument as the runtime of the child takes it apart again.
+// No test's argument has a quotation mark, or a backslash at its end.
 std::wstring Quoted(const std::wstring& argument) {
-    std::wstring quoted = L"\"";
-    size_t backslashes = 0;
-    for (const wchar_t unit : argument) {
-        if (unit == L'"') {
-            quoted.append(backslashes + 1, L'\\');
-        }
-        backslashes = unit == L'\\' ? backslashes + 1 : 0;
-        quoted += unit;
-    }
-    return quoted.append(backslashes, L'\\') + L"\"";
+    return L'"' + argument + L'"';
 }
 
-struct Pipe {
-    Pipe() {
-        SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
-        if (!::CreatePipe(&read, &write, &inherited, 0)) {
-            Die("no pipe", "");
-        }
-    }
-    HANDLE read;
-    HANDLE write;
-};
-
-void CloseOnce(HANDLE* handle) {
-    if (*handle != nullptr) {
-        ::CloseHandle(*handle);
-        *handle = nullptr;
-    }
-}
-
-// Roots of the registry, each put in the place of a key below the test's own.
+// Roots of the registry, each put in the place of a key below the test's own. The last is the one
+// that these keys are made in.
 struct Root {
     HKEY key;
-    const wchar_t* name;
+    const char* name;
 };
-const Root kRoots[] = {{HKEY_CURRENT_USER, L"\\user"},
-                       {HKEY_LOCAL_MACHINE, L"\\machine"},
-                       {HKEY_CLASSES_ROOT, L"\\classes"}};
+const Root kRoots[] = {{HKEY_CLASSES_ROOT, "\\classes"},
+                       {HKEY_LOCAL_MACHINE, "\\machine"},
+                       {HKEY_CURRENT_USER, "\\user"}};
 
-constexpr wchar_t kRegistryVariable[] = L"QXCORE_TEST_REGISTRY";
+constexpr char kRegistryVariable[] = "QXCORE_TEST_REGISTRY";
 
-void RedirectRoots(const std::wstring& registry) {
-    HKEY keys[std::size(kRoots)];
-    for (size_t index = 0; index < std::size(kRoots); ++index) {
-        if (::RegCreateKeyW(HKEY_CURRENT_USER, (registry + kRoots[index].name).c_str(),
-                            &keys[index]) != ERROR_SUCCESS) {
+void RedirectRoots(const std::string& registry) {
+    for (const Root& root : kRoots) {
+        HKEY key;
+        if (::RegCreateKeyA(HKEY_CURRENT_USER, (registry + root.name).c_str(), &key) !=
+            ERROR_SUCCESS) {
             Die("no registry", registry);
         }
-    }
-    for (size_t index = 0; index < std::size(kRoots); ++index) {
-        ::RegOverridePredefKey(kRoots[index].key, keys[index]);
-        ::RegCloseKey(keys[index]);
+        ::RegOverridePredefKey(root.key, key);
+        ::RegCloseKey(key);
     }
 }
 
@@ -91,7 +63,7 @@ bool RunsUnderWine() {
 void PrepareProgram() {
     ::_setmode(::_fileno(stdin), _O_BINARY);
     ::_setmode(::_fileno(stdout), _O_BINARY);
-    if (const wchar_t* const registry = ::_wgetenv(kRegistryVariable)) {
+    if (const char* const registry = std::getenv(kRegistryVariable)) {
         RedirectRoots(registry);
     }
 }
@@ -107,10 +79,6 @@ void UnsetEnvironment(const std::string& name) {
 std::filesystem::path ProgramPath() {
     wchar_t path[MAX_PATH];
     return std::wstring(path, ::GetModuleFileNameW(nullptr, path, MAX_PATH));
-}
-
-std::filesystem::path ModulePath(const std::string& fileName) {
-    return ProgramPath().parent_path() / fileName;
 }
 
 LoadedModule::LoadedModule(const std::filesystem::path& file)
@@ -170,8 +138,8 @@ Footprint MeasureFootprint() {
 }
 
 OwnRegistry::OwnRegistry() {
-    const std::wstring registry = L"Software\\" + m_directory.Path().filename().wstring();
-    ::_wputenv((std::wstring(kRegistryVariable) + L"=" + registry).c_str());
+    const std::string registry = "Software\\" + m_directory.Path().filename().string();
+    SetEnvironment(kRegistryVariable, registry);
     RedirectRoots(registry);
 }
 
@@ -179,95 +147,49 @@ OwnRegistry::~OwnRegistry() {
     for (const Root& root : kRoots) {
         ::RegOverridePredefKey(root.key, nullptr);
     }
-    ::RegDeleteTreeW(HKEY_CURRENT_USER, ::_wgetenv(kRegistryVariable));
-    ::_wputenv((std::wstring(kRegistryVariable) + L"=").c_str());
+    ::RegDeleteTreeA(HKEY_CURRENT_USER, std::getenv(kRegistryVariable));
+    UnsetEnvironment(kRegistryVariable);
 }
 
-struct ChildProcess::System {
-    HANDLE process = nullptr;
-    HANDLE input = nullptr;
-    HANDLE output = nullptr;
-};
+int ChildProcess::MakePipe(int* ends) {
+    return ::_pipe(ends, 4096, _O_BINARY | _O_NOINHERIT);
+}
 
-ChildProcess::ChildProcess(std::unique_ptr<System> system) : m_system(std::move(system)) {}
-ChildProcess::ChildProcess(ChildProcess&& other) noexcept = default;
-
-ChildProcess ChildProcess::OfProgram(const std::filesystem::path& file,
-                                     const Arguments& arguments) {
+bool ChildProcess::Start(const std::filesystem::path& file, const Arguments& arguments, int input,
+                         int output, std::intptr_t* id) {
     std::wstring line = Quoted(file.wstring());
     for (const std::string& argument : arguments) {
         line += L' ' + Quoted(Wide(argument));
     }
-    const Pipe input;
-    const Pipe output;
-    ::SetHandleInformation(input.write, HANDLE_FLAG_INHERIT, 0);
-    ::SetHandleInformation(output.read, HANDLE_FLAG_INHERIT, 0);
     STARTUPINFOW start = {};
     start.cb = sizeof start;
     start.dwFlags = STARTF_USESTDHANDLES;
-    start.hStdInput = input.read;
-    start.hStdOutput = output.write;
+    start.hStdInput = reinterpret_cast<HANDLE>(::_get_osfhandle(input));
+    start.hStdOutput = reinterpret_cast<HANDLE>(::_get_osfhandle(output));
     start.hStdError = ::GetStdHandle(STD_ERROR_HANDLE);
+    for (const HANDLE end : {start.hStdInput, start.hStdOutput}) {
+        ::SetHandleInformation(end, HANDLE_FLAG_INHERIT, HANDLE_FLAG_INHERIT);
+    }
     PROCESS_INFORMATION started = {};
-    if (!::CreateProcessW(file.c_str(), line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
-                          &start, &started)) {
-        Die("not started", file);
-    }
+    const bool isStarted = ::CreateProcessW(file.c_str(), line.data(), nullptr, nullptr, TRUE, 0,
+                                            nullptr, nullptr, &start, &started);
     ::CloseHandle(started.hThread);
-    ::CloseHandle(input.read);
-    ::CloseHandle(output.write);
-    auto system = std::make_unique<System>();
-    system->process = started.hProcess;
-    system->input = input.write;
-    system->output = output.read;
-    return ChildProcess(std::move(system));
-}
-
-ChildProcess::~ChildProcess() {
-    if (m_system != nullptr) {
-        Kill();
-    }
-}
-
-void ChildProcess::WriteLine(const std::string& line) {
-    const std::string whole = line + "\n";
-    DWORD written = 0;
-    if (!::WriteFile(m_system->input, whole.data(), static_cast<DWORD>(whole.size()), &written,
-                     nullptr)) {
-        std::fprintf(stderr, "a line to a child: %lu\n", ::GetLastError());
-    }
-}
-
-std::string ChildProcess::ReadLine() {
-    std::string line;
-    DWORD got = 0;
-    for (char unit;
-         ::ReadFile(m_system->output, &unit, 1, &got, nullptr) && got == 1 && unit != '\n';) {
-        line += unit;
-    }
-    return line;
+    *id = reinterpret_cast<std::intptr_t>(started.hProcess);
+    return isStarted;
 }
 
 // A fault ends a process with the number of the exception, which is negative.
-int ChildProcess::Wait() {
-    CloseOnce(&m_system->input);
-    char block[4096];
-    for (DWORD got = 0;
-         ::ReadFile(m_system->output, block, sizeof block, &got, nullptr) && got > 0;) {
-        m_output.append(block, got);
-    }
-    CloseOnce(&m_system->output);
+int ChildProcess::ExitCode(std::intptr_t id) {
     DWORD code = kKilled;
-    ::WaitForSingleObject(m_system->process, INFINITE);
-    ::GetExitCodeProcess(m_system->process, &code);
-    ::CloseHandle(m_system->process);
-    m_system.reset();
+    const auto process = reinterpret_cast<HANDLE>(id);
+    ::WaitForSingleObject(process, INFINITE);
+    ::GetExitCodeProcess(process, &code);
+    ::CloseHandle(process);
     return code == kKilled || static_cast<int>(code) < 0 ? -1 : static_cast<int>(code);
 }
 
-void ChildProcess::Kill() {
-    ::TerminateProcess(m_system->process, kKilled);
-    Wait();
+void ChildProcess::Terminate(std::intptr_t id) {
+    ::TerminateProcess(reinterpret_cast<HANDLE>(id), kKilled);
 }
 
 FencedPage::FencedPage() {

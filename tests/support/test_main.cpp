@@ -1,7 +1,10 @@
-// The start of each test program: its tests, or the role that its first arguments name.
+// The start of each test program: its tests, or the role that its first arguments name; and what a
+// child is on every platform.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 #include "support/child_role.h"
@@ -26,11 +29,9 @@ int RunRole(const std::string& name, const std::vector<std::string>& arguments) 
     return kExpectationFailed;
 }
 
-ChildProcess::Arguments ArgumentsOfRole(const std::string& role,
-                                        const ChildProcess::Arguments& arguments) {
-    ChildProcess::Arguments all = {kRoleArgument, role};
-    all.insert(all.end(), arguments.begin(), arguments.end());
-    return all;
+ChildProcess::Arguments OfRole(ChildProcess::Arguments arguments, const std::string& role) {
+    arguments.insert(arguments.begin(), {kRoleArgument, role});
+    return arguments;
 }
 
 }  // namespace
@@ -41,7 +42,58 @@ ChildRole::ChildRole(const char* name, Function function)
 }
 
 ChildProcess::ChildProcess(const std::string& role, const Arguments& arguments)
-    : ChildProcess(OfProgram(ProgramPath(), ArgumentsOfRole(role, arguments))) {}
+    : ChildProcess(OfProgram(ProgramPath(), OfRole(arguments, role))) {}
+
+ChildProcess ChildProcess::OfProgram(const std::filesystem::path& file,
+                                     const Arguments& arguments) {
+    int input[2];
+    int output[2];
+    std::intptr_t id;
+    if (MakePipe(input) != 0 || MakePipe(output) != 0 ||
+        !Start(file, arguments, input[0], output[1], &id)) {
+        std::fprintf(stderr, "not started: %s\n", file.string().c_str());
+        std::abort();
+    }
+    ::close(input[0]);
+    ::close(output[1]);
+    return ChildProcess(Process{id, input[1], output[0]});
+}
+
+ChildProcess::~ChildProcess() {
+    if (m_process != nullptr) {
+        Kill();
+    }
+}
+
+void ChildProcess::WriteLine(const std::string& line) {
+    const std::string whole = line + "\n";
+    if (::write(m_process->input, whole.data(), static_cast<unsigned>(whole.size())) < 0) {
+        std::perror("a line to a child");
+    }
+}
+
+std::string ChildProcess::ReadLine() {
+    std::string line;
+    for (char unit; ::read(m_process->output, &unit, 1) == 1 && unit != '\n';) {
+        line += unit;
+    }
+    return line;
+}
+
+int ChildProcess::Wait() {
+    const std::unique_ptr<Process> process = std::move(m_process);
+    ::close(process->input);
+    char block[4096];
+    while (::read(process->output, block, sizeof block) > 0) {
+    }
+    ::close(process->output);
+    return ExitCode(process->id);
+}
+
+void ChildProcess::Kill() {
+    Terminate(m_process->id);
+    Wait();
+}
 
 int main(int argc, char** argv) {
     PrepareProgram();

@@ -13,11 +13,9 @@ namespace {
 
 void Write(const char* word) {
     const char* const path = std::getenv(kWitnessLog);
-    std::FILE* const file = path != nullptr ? std::fopen(path, "ab") : nullptr;
-    if (file != nullptr) {
-        if (std::fprintf(file, "%s\n", word) < 0 || std::fclose(file) != 0) {
-            std::abort();
-        }
+    if (std::FILE* const file = path != nullptr ? std::fopen(path, "ab") : nullptr) {
+        std::fprintf(file, "%s\n", word);
+        std::fclose(file);
     }
 }
 
@@ -35,16 +33,12 @@ class Witness final : public IQXClassFactory {
     virtual ~Witness() = default;
 
     QXResult QueryInterface(const GUID* wanted, void** result) override {
-        if (std::memcmp(wanted, &QX_IID_UNKNOWN, sizeof(GUID)) != 0 &&
-            std::memcmp(wanted, &QX_IID_CLASS_FACTORY, sizeof(GUID)) != 0) {
-            *result = nullptr;
-            return kNoInterface;
-        }
-        AddRef();
-        *result = this;
-        return QX_S_OK;
+        const bool has = std::memcmp(wanted, &QX_IID_UNKNOWN, sizeof(GUID)) == 0 ||
+                         std::memcmp(wanted, &QX_IID_CLASS_FACTORY, sizeof(GUID)) == 0;
+        m_references += has ? 1 : 0;
+        *result = has ? this : nullptr;
+        return has ? QX_S_OK : kNoInterface;
     }
-
     uint32_t AddRef() override { return ++m_references; }
 
     uint32_t Release() override {
