@@ -13,9 +13,10 @@
 #include <unistd.h>
 
 #include <cstdarg>
-#include <cstdlib>
 #include <string>
 #include <thread>
+#include <utility>
+#include <vector>
 
 #include "posix/support/forked_child.h"
 #include "support/temporary_directory.h"
@@ -28,17 +29,7 @@ std::string s_logged;
 volatile sig_atomic_t s_traps = 0;
 
 void CountTraps() {
-    s_traps = 0;
     signal(SIGTRAP, [](int) { s_traps = s_traps + 1; });
-}
-
-std::string ReadAll(int descriptor) {
-    std::string text;
-    char buffer[256];
-    for (ssize_t size; (size = read(descriptor, buffer, sizeof buffer)) > 0;) {
-        text.append(buffer, static_cast<size_t>(size));
-    }
-    return text;
 }
 
 void Log(int priority, const char* format, va_list arguments) {
@@ -67,7 +58,6 @@ extern "C" void __syslog_chk(int priority, int, const char* format, ...) {
 namespace {
 
 TEST(AlertDelivery, TheLogGetsTitleAndTextAsTheyAre) {
-    s_logged.clear();
     QXErrorAlert(QX_ALERT_EVENTLOG, u"Title %s", u"100%% %hs \u00E4", "%n");
     QXErrorAlert(QX_ALERT_EVENTLOG, nullptr, u"%ls", std::u16string(600, u'x').c_str());
     EXPECT_EQ("6 Kestrane Services: Title %s: 100% %n \xC3\xA4\n6 Kestrane Services: " +
@@ -120,130 +110,116 @@ TEST(CheckedMutexAlert, NamesTheCheckThatFailed) {
     QXMutexDestroy(mutex);
 }
 
-// What a traced or untraced child writes to its standard error. Its parent is untraced, and knows
-// so.
-std::string TracedText(bool traced) {
+// What a child that a debugger is attached to or not writes to its standard error, whose reader may
+// be gone. Its parent is untraced, and knows so.
+std::string TracedText(bool traced, bool isRead = true) {
     QXTrace(u"parent");
     int ends[2];
     EXPECT_EQ(0, pipe2(ends, O_CLOEXEC));
+    if (!isRead) {
+        close(ends[0]);
+    }
     ForkedChild child([&] {
         if (traced) {
             ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
         }
         dup2(ends[1], STDERR_FILENO);
         QXTrace(u"text %d", 5);
-        return getpid() & 0x7F;
-    });
-    close(ends[1]);
-    std::string text = ReadAll(ends[0]);
-    close(ends[0]);
-    EXPECT_NE(-1, child.Wait());
-    return text;
-}
-
-TEST(AlertDelivery, TraceIsSeenByADebuggerAlone) {
-    EXPECT_EQ("", TracedText(false));
-    const std::string text = TracedText(true);
-    EXPECT_EQ("[0x", text.substr(0, 3));
-    EXPECT_EQ("]text 5", text.substr(text.find(']')));
-}
-
-TEST(AlertDelivery, ADebuggerThatDoesNotReadIsNoReasonToDie) {
-    int ends[2];
-    ASSERT_EQ(0, pipe2(ends, O_CLOEXEC));
-    close(ends[0]);
-    ForkedChild child([&] {
-        ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
-        dup2(ends[1], STDERR_FILENO);
-        QXTrace(u"text");
         return 0;
     });
     close(ends[1]);
+    char text[256];
+    const ssize_t size = isRead ? read(ends[0], text, sizeof text) : 0;
     EXPECT_EQ(0, child.Wait());
+    return {text, static_cast<size_t>(size)};
 }
 
-// Programs that stand for those that show dialogs.
-class Dialogs : public testing::Test {
-  protected:
-    void Install(const std::string& name, const std::string& action) {
-        const std::string path = m_directory.Path().string() + "/" + name;
-        WriteFile(path, "#!/bin/sh\nprintf '%s\\n' \"$0\" \"$@\" >>" + m_directory.Path().string() +
-                            "/calls\n" + action + "\n");
-        chmod(path.c_str(), 0700);
-    }
-    // The child's exit code: kWentOn and the number of its traps if the alert came back.
-    int Ask() {
-        return ForkedChild(
-                   [this] {
-                       const std::string path = m_directory.Path().string() + ":/usr/bin:/bin";
-                       setenv("PATH", path.c_str(), 1);
-                       setenv("DISPLAY", ":0", 1);
-                       setsid();
-                       CountTraps();
-                       QXErrorAlert(QX_ALERT_MESSAGE, nullptr, u"%ls", u"-text <b> \\n");
-                       return kWentOn + s_traps;
-                   },
-                   ChildEnd::kThroughExitHandlers)
-            .Wait();
-    }
-    TemporaryDirectory m_directory;
-};
+TEST(AlertDelivery, TraceIsSeenByADebuggerAloneAndNoReasonToDie) {
+    EXPECT_EQ("", TracedText(false));
+    const std::string text = TracedText(true);
+    EXPECT_TRUE(text.starts_with("[0x") && text.ends_with("]text 5")) << text;
+    TracedText(true, false);
+}
 
-TEST_F(Dialogs, AnswersAreActedOn) {
-    struct Case {
-        const char* action;
+// The exit code of a child: kWentOn and the number of its traps if the alert came back.
+int CodeOfAlert(const wchar* title, const wchar* text) {
+    CountTraps();
+    QXErrorAlert(QX_ALERT_MESSAGE, title, u"%ls", text);
+    return kWentOn + s_traps;
+}
+
+// Asks by scripts that stand for the programs that show dialogs; gives what they were called with.
+int AnswerByDialog(const std::string& zenity, const std::string& xmessage,
+                   std::string* calls = nullptr) {
+    const TemporaryDirectory directory;
+    const std::string folder = directory.Path().string();
+    for (const auto& [name, action] : {std::pair("/zenity", zenity), {"/xmessage", xmessage}}) {
+        WriteFile(folder + name, "#!/bin/sh\nprintf '%s\\n' \"$0\" \"$@\" >>" + folder +
+                                     "/calls\n" + action + "\n");
+        chmod((folder + name).c_str(), 0700);
+    }
+    ForkedChild child(
+        [&] {
+            setenv("PATH", (folder + ":/usr/bin:/bin").c_str(), 1);
+            setenv("DISPLAY", ":0", 1);
+            setsid();
+            return CodeOfAlert(nullptr, u"-text <b> \\n");
+        },
+        ChildEnd::kThroughExitHandlers);
+    const int code = child.Wait();
+    if (calls != nullptr) {
+        *calls = ReadFile(folder + "/calls");
+    }
+    return code;
+}
+
+TEST(AlertDialog, AnswersAreActedOn) {
+    const struct {
+        const char* zenity;
+        const char* xmessage;
         int code;
-        const char* other = "echo Retry";
+    } cases[] = {
+        {"echo Ignore; exit 1", "", kWentOn},
+        {"echo Abort", "", 3},
+        {"echo Retry", "", kWentOn + 1},
+        {"exit $ZENITY_ESC", "echo Retry", kWentOn},
+        {"echo nothing known", "echo Retry", kWentOn + 1},
+        {"exit 1", "exit 1", kWentOn},
     };
-    for (const auto& [action, code, other] :
-         {Case{"echo Ignore; exit 1", kWentOn}, Case{"echo Abort", 3},
-          Case{"echo Retry", kWentOn + 1}, Case{"exit $ZENITY_ESC", kWentOn},
-          Case{"echo nothing known", kWentOn + 1}, Case{"exit 1", kWentOn + 1},
-          Case{"exit 1", kWentOn, "exit 1"}}) {
-        SCOPED_TRACE(action);
-        Install("zenity", action);
-        Install("xmessage", other);
-        EXPECT_EQ(code, Ask());
+    for (const auto& [zenity, xmessage, code] : cases) {
+        EXPECT_EQ(code, AnswerByDialog(zenity, xmessage)) << zenity;
+    }
+    std::string calls;
+    AnswerByDialog("exit 1", "echo Ignore", &calls);
+    for (const char* argument : {"--title=QXErrorAlert [Process ID ",
+                                 "--text=-text <b> \\n\n\nPress retry to debug the application.\n",
+                                 "\n -text <b> \\n\n\nPress retry"}) {
+        EXPECT_NE(calls.npos, calls.find(argument)) << calls;
     }
 }
 
-TEST_F(Dialogs, GetTitleAndTextAsTheyAre) {
-    Install("zenity", "exit 1");
-    Install("xmessage", "echo Ignore");
-    EXPECT_EQ(kWentOn, Ask());
-    const std::string calls = ReadFile(m_directory.Path() / "calls");
-    EXPECT_NE(calls.npos, calls.find("--title=QXErrorAlert [Process ID "));
-    EXPECT_NE(calls.npos, calls.find("--text=-text <b> \\n\n\nPress retry to debug the "
-                                     "application.\n"));
-    EXPECT_NE(calls.npos, calls.find("\n -text <b> \\n\n\nPress retry"));
-}
-
-TEST_F(Dialogs, AHandlerOfTheAbortSignalRunsFirst) {
-    Install("zenity", "echo Abort");
+TEST(AlertDialog, AHandlerOfTheAbortSignalRunsFirst) {
     signal(SIGABRT, [](int) { _exit(77); });
-    EXPECT_EQ(77, Ask());
+    EXPECT_EQ(77, AnswerByDialog("echo Abort", ""));
     signal(SIGABRT, [](int) {});
-    EXPECT_EQ(3, Ask());
+    EXPECT_EQ(3, AnswerByDialog("echo Abort", ""));
 }
 
 // Types one answer after each question; the exit code of the program at the terminal.
-int AnswerAtTerminal(const std::vector<std::string>& answers, std::string* shown) {
+int AnswerAtTerminal(std::vector<std::string> answers, std::string* shown) {
     int terminal = -1;
     const pid_t id = forkpty(&terminal, nullptr, nullptr, nullptr);
     if (id == 0) {
         unsetenv("DISPLAY");
         unsetenv("WAYLAND_DISPLAY");
-        CountTraps();
-        QXErrorAlert(QX_ALERT_MESSAGE, u"Title", u"bell \a escape \x1B[0m \u009B");
-        _exit(kWentOn + s_traps);
+        _exit(CodeOfAlert(u"Title", u"bell \a escape \x1B[0m \u009B"));
     }
-    size_t answered = 0;
     char unit;
     while (read(terminal, &unit, 1) == 1) {
         *shown += unit;
-        if (shown->ends_with("[a/r/i] ") && answered < answers.size()) {
-            const std::string& line = answers[answered++];
-            EXPECT_EQ(static_cast<ssize_t>(line.size()), write(terminal, line.data(), line.size()));
+        if (shown->ends_with("[a/r/i] ") && !answers.empty()) {
+            EXPECT_LT(0, write(terminal, answers[0].data(), answers[0].size()));
+            answers.erase(answers.begin());
         }
     }
     int status = 0;
@@ -253,15 +229,15 @@ int AnswerAtTerminal(const std::vector<std::string>& answers, std::string* shown
 }
 
 TEST(AlertAtTerminal, AsksUntilItIsAnswered) {
-    struct Case {
-        std::vector<std::string> answers;
-        int code;
+    const std::pair<std::vector<std::string>, int> cases[] = {
+        {{"i\n"}, kWentOn},
+        {{"x\n", "\n", "aborted\n", "Retry\n"}, kWentOn + 1},
+        {{"A\n"}, 3},
+        {{"\x04"}, kWentOn},
     };
-    for (const Case& each :
-         {Case{{"i\n"}, kWentOn}, Case{{"x\n", "\n", "aborted\n", "Retry\n"}, kWentOn + 1},
-          Case{{"A\n"}, 3}, Case{{"\x04"}, kWentOn}}) {
+    for (const auto& [answers, code] : cases) {
         std::string shown;
-        EXPECT_EQ(each.code, AnswerAtTerminal(each.answers, &shown));
+        EXPECT_EQ(code, AnswerAtTerminal(answers, &shown)) << shown;
         EXPECT_NE(shown.npos, shown.find("Title [Process ID "));
         EXPECT_NE(shown.npos, shown.find("bell ? escape ?[0m ?"));
     }

@@ -1,6 +1,7 @@
 // The library is opened and closed here beside forks, and beside a copy of itself.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
+#include <qxcore/registry.h>
 
 #include <atomic>
 #include <filesystem>
@@ -11,8 +12,6 @@
 
 namespace {
 
-namespace fs = std::filesystem;
-
 TEST(UnloadBesideForks, LeavesNoForkInCodeThatIsGone) {
     std::atomic<bool> done{false};
     std::thread loader([&] {
@@ -22,14 +21,13 @@ TEST(UnloadBesideForks, LeavesNoForkInCodeThatIsGone) {
             ::dlclose(library);
         }
     });
-    const auto fork = [] {
-        for (int i = 0; i < 200; ++i) {
-            EXPECT_EQ(ForkedChild([] { return 0; }).Wait(), 0);
-        }
-    };
-    std::thread others[] = {std::thread(fork), std::thread(fork), std::thread(fork)};
-    for (std::thread& other : others) {
-        other.join();
+    {
+        const auto fork = [] {
+            for (int i = 0; i < 200; ++i) {
+                EXPECT_EQ(ForkedChild([] { return 0; }).Wait(), 0);
+            }
+        };
+        const std::jthread others[] = {std::jthread(fork), std::jthread(fork), std::jthread(fork)};
     }
     done = true;
     loader.join();
@@ -39,19 +37,18 @@ TEST(UnloadBesideForks, LeavesNoForkInCodeThatIsGone) {
 // threads may use is left standing, but this is no end.
 TEST(UnloadBesideACopy, LeavesNothingBehind) {
     const OwnRegistry registry;
-    const fs::path copy = registry.Folder() / "libcopy.so";
-    fs::copy_file(fs::canonical(QXCORE_LIBRARY), copy);
+    const std::filesystem::path copy = registry.Folder() / "libcopy.so";
+    std::filesystem::copy_file(std::filesystem::canonical(QXCORE_LIBRARY), copy);
     void* const first = ::dlopen(copy.c_str(), RTLD_NOW | RTLD_GLOBAL);
     ASSERT_NE(first, nullptr) << ::dlerror();
-    using Set =
-        int32_t (*)(int32_t, const char16_t*, const char16_t*, uint32_t, const void*, uint32_t);
     std::atomic<bool> done{false};
     std::thread other([&] { done.wait(false); });
     std::size_t settled = 0;
     for (int round = 0; round < 10; ++round) {
         void* const library = ::dlopen(QXCORE_LIBRARY, RTLD_NOW);
-        const auto set = reinterpret_cast<Set>(::dlsym(library, "QXRegistrySetValue"));
-        EXPECT_EQ(set(2, u"k", u"v", 3, "", 0), 0);
+        const auto set =
+            reinterpret_cast<decltype(&QXRegistrySetValue)>(::dlsym(library, "QXRegistrySetValue"));
+        EXPECT_EQ(set(QX_HKEY_USER, u"k", u"v", QX_REG_BINARY, "", 0), 0);
         ::dlclose(library);
         settled = round == 0 ? MeasureFootprint().handles : settled;
     }
