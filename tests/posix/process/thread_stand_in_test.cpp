@@ -10,9 +10,9 @@
 #include <atomic>
 #include <barrier>
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "posix/support/forked_child.h"
 #include "support/system.h"
@@ -28,55 +28,43 @@ QXResult Start(QXThreadRoutine routine, void* argument, QXHandle* thread) {
     return QXThreadCreate(routine, argument, nullptr, 1, thread, &id);
 }
 
-std::ptrdiff_t Tasks() {
-    return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
-}
-
-// As many at once as the C library keeps stacks of, with a block for each, and more than it has
-// heaps for: what it keeps does not grow any further.
-void FillTheCLibrarysCaches() {
+// The first threads fill what the C library keeps of stacks and heaps.
+TEST(ThreadStandIn, ThousandsLeaveNothingBehind) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "the sanitizer keeps account of threads";
+#endif
     constexpr int kMany = 64;
     std::barrier allRun(kMany);
     const QXThreadRoutine wait = [](void* barrier) -> void* {
         static_cast<std::barrier<>*>(barrier)->arrive_and_wait();
         return nullptr;
     };
-    QXHandle threads[kMany];
-    for (QXHandle& thread : threads) {
-        ASSERT_EQ(QX_S_OK, Start(wait, &allRun, &thread));
-    }
-    for (QXHandle thread : threads) {
-        ASSERT_EQ(QX_S_OK, QXThreadJoin(thread, nullptr));
-    }
-}
-
-TEST(ThreadStandIn, ThousandsLeaveNothingBehind) {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    GTEST_SKIP() << "the sanitizer keeps account of threads";
-#endif
-    const auto startMany = [](QXResult (*giveUp)(QXHandle)) {
-        for (int count = 0; count < 1000; ++count) {
-            QXHandle thread = nullptr;
-            ASSERT_EQ(QX_S_OK, Start(DoNothing, nullptr, &thread));
-            ASSERT_EQ(QX_S_OK, giveUp(thread));
+    const auto startMany = [](int times, int together, QXThreadRoutine routine, void* argument) {
+        for (int round = 0; round < times; ++round) {
+            std::vector<QXHandle> threads(together);
+            for (QXHandle& thread : threads) {
+                ASSERT_EQ(QX_S_OK, Start(routine, argument, &thread));
+            }
+            for (std::size_t i = 0; i < threads.size(); ++i) {
+                ASSERT_EQ(QX_S_OK, (round + i) % 2 == 0 ? QXThreadDetach(threads[i])
+                                                        : QXThreadJoin(threads[i], nullptr));
+            }
         }
-        while (Tasks() > 1) {
+        const std::filesystem::path tasks = "/proc/self/task";
+        while (std::distance(std::filesystem::directory_iterator(tasks), {}) > 1) {
             std::this_thread::yield();
         }
     };
-    const auto join = [](QXHandle thread) { return QXThreadJoin(thread, nullptr); };
-    FillTheCLibrarysCaches();
-    startMany(join);
-    startMany(QXThreadDetach);
+    startMany(1, kMany, wait, &allRun);
+    startMany(2000, 1, DoNothing, nullptr);
     const Footprint before = MeasureFootprint();
-    startMany(join);
-    startMany(QXThreadDetach);
+    startMany(2000, 1, DoNothing, nullptr);
     const Footprint after = MeasureFootprint();
     EXPECT_EQ(before.handles, after.handles);
     EXPECT_LE(after.heap, before.heap + 16000);  // 8 bytes a thread
 }
 
-TEST(ThreadStandIn, RefusedThreadIsAFailureThatLeavesNothing) {
+TEST(ThreadStandIn, RefusedThreadIsAFailure) {
     if (geteuid() != 0) {
         GTEST_SKIP() << "needs a user of its own for the limit";
     }
@@ -87,13 +75,8 @@ TEST(ThreadStandIn, RefusedThreadIsAFailureThatLeavesNothing) {
         }
         QXHandle thread = nullptr;
         uint32_t id = 5;
-        for (int round = 0; round < 100; ++round) {
-            const QXResult result = QXThreadCreate(DoNothing, nullptr, nullptr, 0, &thread, &id);
-            if (result != QX_E_FAIL || thread != QX_INVALID_HANDLE || id != 0) {
-                return 2;
-            }
-        }
-        return 0;
+        const QXResult result = QXThreadCreate(DoNothing, nullptr, nullptr, 0, &thread, &id);
+        return result == QX_E_FAIL && thread == QX_INVALID_HANDLE && id == 0 ? 0 : 2;
     });
     EXPECT_EQ(0, child.Wait());
 }
@@ -147,13 +130,11 @@ TEST(ThreadStandIn, AffinityBeyondTheProcessesOwnIsRefusedAndNotCut) {
         GTEST_SKIP() << "one processor";
     }
     ForkedChild child([] {
-        const uint64_t first = 1;
-        const uint64_t second = 2;
         cpu_set_t one;
         CPU_ZERO(&one);
         CPU_SET(0, &one);
         sched_setaffinity(0, sizeof one, &one);
-        const uint64_t both = 3;
+        const uint64_t first = 1, second = 2, both = 3;
         const bool refused =
             QXSetCpuAffinity(&second) == QX_E_FAIL && QXSetCpuAffinity(&both) == QX_E_FAIL;
         return refused && QXSetCpuAffinity(&first) == QX_S_OK ? 0 : 1;
