@@ -179,7 +179,8 @@ TEST(ProcessStandIn, ChildrenStartWhereTheStandardStreamsAreClosed) {
         }
         Pipes pipes;
         const QXHandle child = StartShell(u"cat; echo e >&2; exit 6", pipes.ends);
-        const bool takesNone = ::fcntl(0, F_GETFD) == -1;
+        const bool takesNone = ::fcntl(0, F_GETFD) == -1 && ::fcntl(1, F_GETFD) == -1 &&
+                               ::fcntl(2, F_GETFD) == -1;
         Write(pipes.ends[0], "text");
         pipes.CloseInput();
         const bool works = ReadAll(pipes.ends[1]) == "text" && ReadAll(pipes.ends[2]) == "e\n" &&
