@@ -61,18 +61,14 @@ TEST(Converter, IsChosenByNameAndFallsBackToLatin1) {
         const char* bytes;
         std::u16string text;
     };
-    const Row kRows[] = {{u"UTF-8", "\xC3\xA9", u"\u00E9"},
-                         {u"CP1252", "\x80\xE9", u"\u20AC\u00E9"},
-                         {u"windows-1252", "\x80", u"\u20AC"},
-                         {u"SJIS", "\x93\xFA\xB1", u"\u65E5\uFF71"},
-                         {u"CP932", "\x93\xFA", u"\u65E5"},
-                         {u"ISO-2022-JP", "\x1B$BF|\x1B(B", u"\u65E5"},  // the flush goes back
-                         {u"no such encoding", "\x80\xE9", u"\u0080\u00E9"},
-                         {std::u16string(127, u'x'), "\x80\xE9", u"\u0080\u00E9"},
-                         {u"\u0155TF-8", "\xC3\xA9", u"\u00E9"},       // cut to "UTF-8"
-                         {u"UTF-8\u0100zzz", "\xC3\xA9", u"\u00E9"}};  // ends at the zero byte
     testing::internal::CaptureStdout();
-    for (const Row& row : kRows) {
+    for (const Row& row : {Row{u"CP1252", "\x80\xE9", u"\u20AC\u00E9"},
+                           {u"SJIS", "\x93\xFA\xB1", u"\u65E5\uFF71"},
+                           {u"CP932", "\x93\xFA", u"\u65E5"},
+                           {u"ISO-2022-JP", "\x1B$BF|\x1B(B", u"\u65E5"},  // the flush goes back
+                           {std::u16string(127, u'x'), "\x80\xE9", u"\u0080\u00E9"},
+                           {u"\u0155TF-8", "\xC3\xA9", u"\u00E9"},         // cut to "UTF-8"
+                           {u"UTF-8\u0100zzz", "\xC3\xA9", u"\u00E9"}}) {  // ends at the zero byte
         const Converter converter = Open(row.name.c_str());
         EXPECT_EQ(row.text, ToWide(converter.get(), row.bytes).text) << row.bytes;
         EXPECT_EQ(row.bytes, FromWide(converter.get(), row.text).text);
@@ -118,19 +114,15 @@ TEST(ConverterDeathTest, OnlyTheWayFromWideTextEndsTheProcess) {
 
 bool s_icuHasMemory = true;
 
-void* IcuAllocate(const void*, size_t size) {
-    return s_icuHasMemory ? std::malloc(size) : nullptr;
-}
-void* IcuReallocate(const void*, void* block, size_t size) {
-    return s_icuHasMemory ? std::realloc(block, size) : nullptr;
-}
-void IcuFree(const void*, void* block) {
-    std::free(block);
-}
-
 TEST(Converter, TellsOnStandardOutputWhenNothingOpens) {
     UErrorCode status = U_ZERO_ERROR;
-    u_setMemoryFunctions(nullptr, IcuAllocate, IcuReallocate, IcuFree, &status);
+    u_setMemoryFunctions(
+        nullptr,
+        [](const void*, size_t size) { return s_icuHasMemory ? std::malloc(size) : nullptr; },
+        [](const void*, void* block, size_t size) {
+            return s_icuHasMemory ? std::realloc(block, size) : nullptr;
+        },
+        [](const void*, void* block) { std::free(block); }, &status);
     ASSERT_EQ(U_ZERO_ERROR, status);
     QXEncUtilInit("");
     s_icuHasMemory = false;
@@ -153,26 +145,21 @@ TEST(Converter, PutsTheSubstituteForWhatItCannotHold) {
         std::string bytes;  // for a, a lone surrogate, b
         QXResult result;
     };
-    const Row kRows[] = {
-        {u"CP1252", 0x3F, QX_S_OK, "a?b", QX_S_OK},
-        {u"CP1252", 0x20AC, QX_S_OK, "a\200b", QX_S_OK},
-        {u"CP1252", 0, QX_E_ILLEGALCHAR, "a\032b", QX_S_OK},
-        {u"CP1252", 0x10FFFF, QX_E_ILLEGALCHAR, "a\032b", QX_S_OK},
-        {u"CP1252", INT32_MAX, QX_E_ILLEGALCHAR, "a\032b", QX_S_OK},
-        {u"CP1252", -1, QX_S_OK, "a", QX_E_ILLEGALCHAR},
-        {u"CP1252", INT32_MIN, QX_S_OK, "a", QX_E_ILLEGALCHAR},
-        {u"UTF-8", 0, QX_S_OK, "a\357\277\275b", QX_S_OK},
-        {u"UTF-8", 0x10FFFE, QX_S_OK, "a\364\217\277\276b", QX_S_OK},
-        {u"UTF-16BE", 0x10000, QX_S_OK, {"\0a\330\0\334\0\0b", 8}, QX_S_OK},
-    };
     const char16_t text[] = {u'a', 0xD83D, u'b', 0};
-    for (const Row& row : kRows) {
+    for (const Row& row : {Row{u"CP1252", 0x20AC, QX_S_OK, "a\200b", QX_S_OK},
+                           {u"CP1252", 0, QX_E_ILLEGALCHAR, "a\032b", QX_S_OK},
+                           {u"CP1252", 0x10FFFF, QX_E_ILLEGALCHAR, "a\032b", QX_S_OK},
+                           {u"CP1252", INT32_MAX, QX_E_ILLEGALCHAR, "a\032b", QX_S_OK},
+                           {u"CP1252", INT32_MIN, QX_S_OK, "a", QX_E_ILLEGALCHAR},
+                           {u"UTF-8", 0, QX_S_OK, "a\357\277\275b", QX_S_OK},
+                           {u"UTF-8", 0x10FFFE, QX_S_OK, "a\364\217\277\276b", QX_S_OK}}) {
         const Converter converter = Open(row.name);
         EXPECT_EQ(row.set, QXEncFromW_SetSubstitutionChar(converter.get(), row.substitution));
         const Converted<char> narrow = FromWide(converter.get(), text);
         EXPECT_EQ(row.bytes, narrow.text) << row.substitution;
         EXPECT_EQ(row.result, narrow.result);
     }
+    // A substitute does not take the stop back.
     const Converter stopped = Open(u"CP1252");
     QXEncToW_SetSubstitutionChar(stopped.get(), -1);
     EXPECT_EQ(QX_S_OK, QXEncToW_SetSubstitutionChar(stopped.get(), '?'));
@@ -188,12 +175,8 @@ struct Sample {
 
 const Sample kSamples[] = {
     {u"UTF-8", "a\360\237\230\200b", u"a\U0001F600b"},
-    {u"UTF-8", "a\346\227\245b", u"a\u65E5b"},
     {u"UTF-16LE", {"a\0\x3D\xD8\0\xDE\142\0", 8}, u"a\U0001F600b"},
-    {u"UTF-32BE", {"\0\0\0a\0\1\xF6\0\0\0\0b", 12}, u"a\U0001F600b"},
     {u"SJIS", "a\223\372b", u"a\u65E5b"},
-    {u"EUC-JP", "a\217\260\241b", u"a\u4E02b"},
-    {u"GB18030", "a\2010\2010b", u"a\u0080b"},
 };
 
 TEST(Converter, TruncatedTextIsRefusedByTheFlush) {
@@ -214,28 +197,20 @@ TEST(Converter, TruncatedTextIsRefusedByTheFlush) {
     }
 }
 
-TEST(Converter, StreamsThroughEveryCutAndATargetOfEverySize) {
+TEST(Converter, TextMayComeInPieces) {
     for (const Sample& sample : kSamples) {
-        const Converter converter = Open(sample.name);
-        for (size_t room = 1; room <= sample.text.size(); ++room) {
-            ExactBlock<char> source{std::string_view(sample.bytes)};
-            std::u16string text;
-            for (size_t cut = 0; cut <= sample.bytes.size(); ++cut) {
-                const char* const first = source.Begin() + cut;
-                const char* from = cut < sample.bytes.size() ? first : source.End();
-                const char* const limit = cut < sample.bytes.size() ? first + 1 : from;
-                for (QXResult result = QX_E_BUFFERTOOSMALL; result == QX_E_BUFFERTOOSMALL;) {
-                    ExactBlock<char16_t> target(room);
-                    char16_t* to = target.Begin();
-                    result =
-                        from < limit || cut < sample.bytes.size()
-                            ? QXEncToW_Convert(converter.get(), &from, limit, &to, target.End())
-                            : QXEncToW_Flush(converter.get(), &to, target.End());
-                    EXPECT_GE(result, result == QX_E_BUFFERTOOSMALL ? result : QX_S_OK);
-                    text.append(target.Begin(), to);
-                }
+        for (size_t cut = 0; cut <= sample.bytes.size(); ++cut) {
+            const Converter converter = Open(sample.name);
+            const char* from = sample.bytes.data();
+            std::u16string text(sample.text.size(), u'#');
+            char16_t* to = text.data();
+            for (const size_t size : {cut, sample.bytes.size()}) {
+                EXPECT_EQ(QX_S_OK,
+                          QXEncToW_Convert(converter.get(), &from, sample.bytes.data() + size, &to,
+                                           &text.back() + 1));
             }
-            EXPECT_EQ(sample.text, text) << room;
+            EXPECT_EQ(QX_S_OK, QXEncToW_Flush(converter.get(), &to, &text.back() + 1));
+            EXPECT_EQ(sample.text, text);
         }
     }
 }
@@ -258,38 +233,15 @@ OneShot Convert(const std::string& source, const char16_t* from, size_t capacity
     return {result, read, written, target.Content()};
 }
 
-TEST(OneShot, FillsEveryCapacityAndAddsNoTerminator) {
-    for (const Sample& from : kSamples) {
-        for (const Sample& to : kSamples) {
-            if (from.text != to.text) {
-                continue;
-            }
-            for (size_t capacity = 0; capacity <= to.bytes.size() + 1; ++capacity) {
-                const OneShot shot = Convert(from.bytes, from.name, capacity, to.name, -1);
-                const bool fits = capacity >= to.bytes.size();
-                EXPECT_EQ(fits ? QX_S_OK : QX_E_BUFFERTOOSMALL, shot.result);
-                EXPECT_EQ(from.bytes.size(), shot.read);
-                EXPECT_EQ(std::min(capacity, to.bytes.size()), shot.written);
-                EXPECT_EQ((to.bytes + ExactBlock<char>::kUntouched).substr(0, capacity),
-                          shot.target);
-            }
-        }
-    }
-}
-
 // Passes of 1024 units: text of which a pair lies across their border.
 TEST(OneShot, HasNoSeamBetweenItsPasses) {
-    for (const size_t ahead : {1021, 1022, 1023, 1024, 2047, 5000}) {
+    for (const size_t ahead : {1022, 1023, 5000}) {
         std::string source(ahead, 'x');
-        std::string expected;
+        std::string expected(ahead, 'x');
         for (int count = 0; count < 600; ++count) {
             source += "\xF0\x9F\x98\x80\xC3\xA4";
+            expected += "\x94\x39\xFC\x36\x81\x30\x8A\x31";
         }
-        UErrorCode status = U_ZERO_ERROR;
-        expected.resize(8 * source.size());
-        expected.resize(static_cast<size_t>(
-            ucnv_convert("GB18030", "UTF-8", expected.data(), static_cast<int32_t>(expected.size()),
-                         source.data(), static_cast<int32_t>(source.size()), &status)));
         const OneShot shot = Convert(source, u"UTF-8", expected.size(), u"GB18030", -1);
         EXPECT_EQ(QX_S_OK, shot.result);
         EXPECT_EQ(expected, shot.target);
@@ -300,38 +252,34 @@ TEST(OneShot, HasNoSeamBetweenItsPasses) {
 TEST(OneShot, TellsHowFarAFailureCame) {
     struct Row {
         std::string source;
-        const char16_t* from;
         size_t capacity;
-        const char16_t* to;
         int32_t substitution;
         QXResult result;
-        size_t read;
-        size_t written;
+        size_t read, written;
     };
     const std::string longText(3000, 'x');
-    const Row kRows[] = {
-        {"", u"UTF-8", 9, u"SJIS", '?', QX_S_OK, 0, 0},
-        {"ab\xFFz", u"UTF-8", 9, u"SJIS", -1, QX_E_ILLEGALCHAR, 3, 2},
-        {"ab\xE6\x97", u"UTF-8", 9, u"SJIS", -1, QX_E_ILLEGALCHAR, 4, 2},
-        {"ab\xE6\x97", u"UTF-8", 9, u"SJIS", '?', QX_S_OK, 4, 3},
-        {"ab\xF0\x9F\x98\x80z", u"UTF-8", 9, u"SJIS", -1, QX_E_ILLEGALCHAR, 7, 2},
-        {"ab\xF0\x9F\x98\x80z", u"UTF-8", 9, u"SJIS", '?', QX_S_OK, 7, 4},
-        {"abc", u"UTF-8", 9, u"SJIS", 0, QX_E_ILLEGALCHAR, 3, 9},
-        {"abc", u"SJIS", 9, u"UTF-8", 0, QX_E_ILLEGALCHAR, 3, 9},
-        {"abc", u"UTF-8", 9, u"SJIS", 0x10FFFF, QX_E_ILLEGALCHAR, 3, 9},
-        {"abc", u"UTF-8", 9, u"UTF-16LE", 0, QX_S_OK, 3, 6},
-        {longText, u"UTF-8", 10, u"SJIS", '?', QX_E_BUFFERTOOSMALL, 1024, 10},
-        {longText, u"UTF-8", 2000, u"SJIS", '?', QX_E_BUFFERTOOSMALL, 2048, 2000},
-        {longText, u"UTF-8", 2999, u"SJIS", '?', QX_E_BUFFERTOOSMALL, 3000, 2999},
-    };
-    for (const Row& row : kRows) {
-        const OneShot shot = Convert(row.source, row.from, row.capacity, row.to, row.substitution);
+    for (const Row& row : {Row{"", 9, '?', QX_S_OK, 0, 0},
+                           {"ab\xFFz", 9, -1, QX_E_ILLEGALCHAR, 3, 2},
+                           {"ab\xE6\x97", 9, -1, QX_E_ILLEGALCHAR, 4, 2},
+                           {"ab\xE6\x97", 9, '?', QX_S_OK, 4, 3},
+                           {"ab\xF0\x9F\x98\x80z", 9, -1, QX_E_ILLEGALCHAR, 7, 2},
+                           {"ab\xF0\x9F\x98\x80z", 9, '?', QX_S_OK, 7, 4},
+                           {"abc", 9, 0, QX_E_ILLEGALCHAR, 3, 9},
+                           {"\xE6\x97\xA5z", 1, -1, QX_E_BUFFERTOOSMALL, 4, 1},
+                           {longText, 3001, -1, QX_S_OK, 3000, 3000},
+                           {longText, 10, '?', QX_E_BUFFERTOOSMALL, 1024, 10},
+                           {longText, 2000, '?', QX_E_BUFFERTOOSMALL, 2048, 2000},
+                           {longText, 2999, '?', QX_E_BUFFERTOOSMALL, 3000, 2999}}) {
+        const OneShot shot = Convert(row.source, u"UTF-8", row.capacity, u"SJIS", row.substitution);
         EXPECT_EQ(row.result, shot.result) << row.source << row.substitution;
         EXPECT_EQ(row.read, shot.read);
         EXPECT_EQ(row.written, shot.written);
+        EXPECT_EQ(std::string(row.capacity - row.written, ExactBlock<char>::kUntouched),
+                  shot.target.substr(row.written));
     }
     size_t none[] = {0, 0};
     EXPECT_EQ(QX_S_OK, QXEncConvert(nullptr, none, u"SJIS", nullptr, none + 1, u"UTF-8", '?'));
+    EXPECT_EQ(QX_E_ILLEGALCHAR, Convert("abc", u"SJIS", 9, u"UTF-8", 0).result);
 }
 
 // Whatever the pieces that it is read in, and also where a character cannot be mapped.

@@ -2,9 +2,8 @@
 #include <qxcore/transform.h>
 #include <unicode/ustring.h>
 
-#include <cstring>
 #include <string>
-#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "support/allocation_fault.h"
@@ -26,25 +25,25 @@ struct ToWide {
     using Source = char;
     using Target = char16_t;
     static constexpr auto kFull = QXEncUTF8ToUTF16;
-    static constexpr auto kForwarding = QXUTF8ToW;
+    static constexpr auto kSame = QXUTF8ToW;
     static constexpr auto kShort = QXUTF8ToUTF16;
     static constexpr auto kCounted = QXUTF8ToUTF16N;
     static constexpr auto kIcu = u_strFromUTF8WithSub;
 
-    // Texts with a bar between them: first the well-formed ones.
+    // Texts with a bar behind each: first the well-formed ones.
     static constexpr std::string_view kFragments =
         "|a|\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80|\xED\x9F\xBF\xEE\x80\x80\xEF\xBF\xBF|"
         "\xF0\x90\x80\x80\xF4\x8F\xBF\xBF|\xE8\x89\xB2\xE3\x81\xAF\xE5\x8C\x82 \xF0\x9F\x98\x80z|"
         "\x80|\xBF\xBF|\xC0\x80|\xC1\xBF|\xC3|\xC3(|\xE0\x9F\xBF|\xE3\x81|\xE3(\x81|\xED\xA0\x80|"
         "\xED\xBF\xBF|\xF0\x8F\xBF\xBF|\xF0\x9F\x98|\xF0\x9F(|\xF4\x90\x80\x80|\xF5\x80\x80\x80|"
-        "\xF8\x88\x80\x80\x80|\xFE\xFF";
+        "\xF8\x88\x80\x80\x80|\xFE\xFF|";
 };
 
 struct ToNarrow {
     using Source = char16_t;
     using Target = char;
     static constexpr auto kFull = QXEncUTF16ToUTF8;
-    static constexpr auto kForwarding = QXWToUTF8;
+    static constexpr auto kSame = QXWToUTF8;
     static constexpr auto kShort = QXUTF16ToUTF8;
     static constexpr auto kCounted = QXUTF16ToUTF8N;
     static constexpr auto kIcu = u_strToUTF8WithSub;
@@ -52,110 +51,47 @@ struct ToNarrow {
     static constexpr std::u16string_view kFragments =
         u"|a|\x7F\x80\x7FF\x800\xFFFF|\xD7FF\xE000|\xD800\xDC00\xDBFF\xDFFF|"
         u"\u8272\u306F\u5302\u3078 \U0001F600z|\xD83D|\xD83Dz|\xDE00|\xDE00\xD83D|"
-        u"\xD83D\xD83D\xDE00";
+        u"\xD83D\xD83D\xDE00|";
 };
-
-template <typename Unit>
-std::vector<std::basic_string<Unit>> SplitAtBars(std::basic_string_view<Unit> text) {
-    std::vector<std::basic_string<Unit>> parts(1);
-    for (const Unit unit : text) {
-        if (unit == '|') {
-            parts.emplace_back();
-        } else {
-            parts.back() += unit;
-        }
-    }
-    return parts;
-}
 
 template <typename Form>
 class Transform : public ::testing::Test {};
 using Forms = ::testing::Types<ToWide, ToNarrow>;
 TYPED_TEST_SUITE(Transform, Forms);
 
-// All that a call shows: result or status, length, and every unit of the target.
-template <typename Target>
-using Seen = std::tuple<QXResult, int64_t, std::basic_string<Target>>;
-
+// The result, the length and every unit of the target.
 template <typename Form>
-struct Case {
-    std::basic_string<typename Form::Source> text;
-    int32_t length;
-    size_t capacity;
-    int32_t substitution;
-
-    auto Source() const {
-        const size_t units = length >= 0 ? text.size() : text.size() + 1;
-        return ExactBlock<typename Form::Source>({text.c_str(), units});
-    }
-
-    Seen<typename Form::Target> Icu(int64_t presetLength) const {
-        auto source = Source();
-        ExactBlock<typename Form::Target> target(capacity);
-        UErrorCode status = U_ZERO_ERROR;
-        auto produced = static_cast<int32_t>(presetLength);
-        Form::kIcu(target.Begin(), static_cast<int32_t>(capacity), &produced, source.Begin(),
-                   length, substitution, nullptr, &status);
-        return {ResultOf(status), produced, target.Content()};
-    }
-
-    template <typename Call>
-    Seen<typename Form::Target> Full(Call call) const {
-        auto source = Source();
-        ExactBlock<typename Form::Target> target(capacity);
-        size_t produced = 7;
-        const QXResult result =
-            call(target.Begin(), capacity, &produced, source.Begin(), length, substitution);
-        return {result, static_cast<int64_t>(produced), target.Content()};
-    }
-
-    // The members without a result are compared by what they leave.
-    Seen<typename Form::Target> Short() const {
-        auto source = Source();
-        ExactBlock<typename Form::Target> target(capacity);
-        const int64_t produced =
-            Form::kShort(target.Begin(), source.Begin(), static_cast<int32_t>(capacity));
-        return {std::get<0>(Icu(0)), produced, target.Content()};
-    }
-
-    Seen<typename Form::Target> Counted() const {
-        auto source = Source();
-        ExactBlock<typename Form::Target> target(capacity);
-        int32_t produced = 7;
-        auto* const returned = Form::kCounted(target.Begin(), static_cast<int32_t>(capacity),
-                                              &produced, source.Begin(), length);
-        const QXResult result = std::get<0>(Icu(0));
-        const bool isNull = result == QX_E_ILLEGALCHAR || result == QX_E_FAIL;
-        EXPECT_EQ(isNull ? nullptr : target.Begin(), returned);
-        return {result, produced, target.Content()};
-    }
-
-    void Check() const {
-        SCOPED_TRACE(::testing::Message()
-                     << ::testing::PrintToString(text) << " length " << length << " capacity "
-                     << capacity << " substitution " << substitution);
-        ASSERT_EQ(Icu(0), Full(Form::kFull));
-        ASSERT_EQ(Icu(0), Full(Form::kForwarding));
-        if (substitution == -1) {
-            ASSERT_EQ(Icu(7), Counted());
-            if (length == -1) {
-                ASSERT_EQ(Icu(static_cast<int64_t>(capacity)), Short());
-            }
-        }
-    }
-};
+void ExpectAsIcu(const std::basic_string<typename Form::Source>& text, int32_t length,
+                 size_t capacity, int32_t substitution) {
+    SCOPED_TRACE(::testing::Message()
+                 << ::testing::PrintToString(text) << " length " << length << " capacity "
+                 << capacity << " substitution " << substitution);
+    ExactBlock<typename Form::Source> source({text.c_str(), text.size() + (length < 0 ? 1 : 0)});
+    ExactBlock<typename Form::Target> expected(capacity), target(capacity);
+    UErrorCode status = U_ZERO_ERROR;
+    int32_t expectedLength = 0;
+    Form::kIcu(expected.Begin(), static_cast<int32_t>(capacity), &expectedLength, source.Begin(),
+               length, substitution, nullptr, &status);
+    size_t produced = 7;
+    ASSERT_EQ(ResultOf(status), Form::kFull(target.Begin(), capacity, &produced, source.Begin(),
+                                            length, substitution));
+    ASSERT_EQ(static_cast<size_t>(expectedLength), produced);
+    ASSERT_EQ(expected.Content(), target.Content());
+}
 
 // Fragments stand alone, behind ASCII of lengths round a block of it, and between longer text.
 TYPED_TEST(Transform, EqualsIcuForEveryCapacity) {
     using Text = std::basic_string<typename TypeParam::Source>;
-    for (const Text& fragment : SplitAtBars(TypeParam::kFragments)) {
-        for (const size_t ahead : {0, 1, 13, 15, 16, 17, 33}) {
+    Text rest(TypeParam::kFragments);
+    while (!rest.empty()) {
+        const Text fragment = rest.substr(0, rest.find('|'));
+        rest.erase(0, fragment.size() + 1);
+        for (const size_t ahead : {0, 1, 15, 16, 17, 33}) {
             const Text text = Text(ahead, 'x') + fragment + Text(ahead / 2, 'y');
-            const size_t most = 3 * text.size() + 2;
             for (const int32_t substitution : {-1, 0, 0x3F, 0xFFFD, 0x1F600}) {
-                for (size_t capacity = 0; capacity <= most; ++capacity) {
+                for (size_t capacity = 0; capacity <= 3 * text.size() + 2; ++capacity) {
                     for (const int32_t length : {-1, static_cast<int32_t>(text.size())}) {
-                        Case<TypeParam>{text, length, capacity, substitution}.Check();
+                        ExpectAsIcu<TypeParam>(text, length, capacity, substitution);
                         ASSERT_FALSE(this->HasFatalFailure());
                     }
                 }
@@ -164,13 +100,36 @@ TYPED_TEST(Transform, EqualsIcuForEveryCapacity) {
     }
 }
 
+// The other members have the same way. What tells of a failure is a length that stays as it was.
+TYPED_TEST(Transform, ShorterMembersShowFailuresByWhatTheyLeave) {
+    using Text = std::basic_string<typename TypeParam::Source>;
+    const Text good(40, 'x');
+    const Text bad = good + static_cast<typename TypeParam::Source>(0xDCDC);
+    ExactBlock<typename TypeParam::Target> target(50);
+    size_t length = 7;
+    EXPECT_EQ(QX_S_OK, TypeParam::kSame(target.Begin(), 50, &length, good.c_str(), -1, '?'));
+    EXPECT_EQ(40u, length);
+    EXPECT_EQ(40, TypeParam::kShort(target.Begin(), good.c_str(), 50));
+    EXPECT_EQ(40, TypeParam::kShort(target.Begin(), good.c_str(), 39));
+    EXPECT_EQ(50, TypeParam::kShort(target.Begin(), bad.c_str(), 50));
+    EXPECT_EQ(50, TypeParam::kShort(target.Begin(), nullptr, 50));
+    EXPECT_EQ(-5, TypeParam::kShort(target.Begin(), good.c_str(), -5));
+    int32_t units = 7;
+    EXPECT_EQ(nullptr, TypeParam::kCounted(target.Begin(), 50, &units, bad.c_str(), -1));
+    EXPECT_EQ(nullptr, TypeParam::kCounted(target.Begin(), -5, &units, good.c_str(), -1));
+    EXPECT_EQ(7, units);
+    EXPECT_EQ(target.Begin(), TypeParam::kCounted(target.Begin(), 9, &units, good.c_str(), 39));
+    EXPECT_EQ(39, units);
+    EXPECT_EQ(target.Begin(), TypeParam::kCounted(target.Begin(), 50, nullptr, good.c_str(), -1));
+}
+
 TYPED_TEST(Transform, EqualsIcuForArgumentsThatItRefuses) {
     const std::basic_string<typename TypeParam::Source> text(20, 'x');
-    for (const int32_t substitution : {0xD800, 0xDFFF, 0x110000, 0x7FFFFFFF, -2}) {
-        Case<TypeParam>{text, -1, 50, substitution}.Check();
+    for (const int32_t substitution : {0xD800, 0x110000, -2}) {
+        ExpectAsIcu<TypeParam>(text, -1, 50, substitution);
     }
-    Case<TypeParam>{text, -2, 50, -1}.Check();
-    Case<TypeParam>{text, INT32_MIN, 50, '?'}.Check();
+    ExpectAsIcu<TypeParam>(text, -2, 50, -1);
+    ExpectAsIcu<TypeParam>(text, INT32_MIN, 50, '?');
     ExactBlock<typename TypeParam::Target> target(50);
     size_t length = 7;
     EXPECT_EQ(QX_E_FAIL, TypeParam::kFull(target.Begin(), 50, &length, nullptr, 3, -1));
@@ -186,59 +145,47 @@ TYPED_TEST(Transform, EqualsIcuForArgumentsThatItRefuses) {
     EXPECT_EQ(QX_S_OK, convert(0x700000032));
     EXPECT_EQ(QX_E_BUFFERTOOSMALL, convert(0x100000000));
     EXPECT_EQ(QX_E_FAIL, convert(0x80000000));
-    EXPECT_EQ(-5, TypeParam::kShort(target.Begin(), text.c_str(), -5));
-    EXPECT_EQ(50, TypeParam::kShort(target.Begin(), nullptr, 50));
-    EXPECT_EQ(target.Begin(), TypeParam::kCounted(target.Begin(), 50, nullptr, text.c_str(), -1));
-}
-
-struct Utf32Row {
-    std::u32string text;
-    std::string utf8;
-};
-
-std::vector<Utf32Row> Utf32Rows() {
-    std::vector<Utf32Row> rows = {
-        {U"", ""},
-        {U"z\u00DF\u6C34\U0001F34C", "z\xC3\x9F\xE6\xB0\xB4\xF0\x9F\x8D\x8C"},
-        {U"\U0010FFFF\uFFFF", "\xF4\x8F\xBF\xBF\xEF\xBF\xBF"}};
-    // Round the place where the scratch moves to the heap.
-    for (const size_t length : {255, 256, 511, 512, 600}) {
-        rows.push_back({std::u32string(length, U'x'), std::string(length, 'x')});
-    }
-    return rows;
 }
 
 TEST(TransformUtf32, ConvertsBothWaysIntoEveryCapacity) {
-    for (const Utf32Row& row : Utf32Rows()) {
-        const auto check = [](auto call, const auto& from, const auto& to) {
-            using Source = std::remove_cvref_t<decltype(from[0])>;
-            using Target = std::remove_cvref_t<decltype(to[0])>;
-            for (size_t capacity = to.size() < 20 ? 0 : to.size() - 1; capacity <= to.size() + 1;
-                 ++capacity) {
+    const auto check = [](auto call, const auto& from, const auto& to) {
+        using Source = std::remove_cvref_t<decltype(from[0])>;
+        using Target = std::remove_cvref_t<decltype(to[0])>;
+        ExactBlock<Source> counted(std::basic_string_view<Source>{from});
+        ExactBlock<Source> ended({from.c_str(), from.size() + 1});
+        for (size_t capacity = to.size() < 20 ? 0 : to.size() - 1; capacity <= to.size() + 1;
+             ++capacity) {
+            for (const bool isCounted : {true, false}) {
                 ExactBlock<Target> target(capacity);
                 size_t length = 7;
-                const QXResult expected = capacity < to.size() ? QX_E_BUFFERTOOSMALL : QX_S_OK;
-                ExactBlock<Source> counted(std::basic_string_view<Source>{from});
-                EXPECT_EQ(expected, call(target.Begin(), capacity, &length, counted.Begin(),
-                                         static_cast<int64_t>(from.size()), -1));
-                EXPECT_EQ(to.size(), length);
-                ExactBlock<Source> ended({from.c_str(), from.size() + 1});
-                EXPECT_EQ(expected, call(target.Begin(), capacity, &length, ended.Begin(), -9, -1));
+                EXPECT_EQ(capacity < to.size() ? QX_E_BUFFERTOOSMALL : QX_S_OK,
+                          call(target.Begin(), capacity, &length,
+                               isCounted ? counted.Begin() : ended.Begin(),
+                               isCounted ? static_cast<int64_t>(from.size()) : -9, -1));
                 EXPECT_EQ(to.size(), length);
                 if (capacity >= to.size()) {
                     EXPECT_EQ((to + Target{}).substr(0, capacity), target.Content());
                 }
             }
-        };
-        check(QXEncUTF8ToUTF32, row.utf8, row.text);
-        check(QXEncUTF32ToUTF8, row.text, row.utf8);
+        }
+    };
+    const auto checkBothWays = [&](const std::u32string& wide, const std::string& utf8) {
+        check(QXEncUTF8ToUTF32, utf8, wide);
+        check(QXEncUTF32ToUTF8, wide, utf8);
+    };
+    checkBothWays(U"", "");
+    checkBothWays(U"\u00DF\U0001F34C\U0010FFFF\uFFFF",
+                  "\xC3\x9F\xF0\x9F\x8D\x8C\xF4\x8F\xBF\xBF\xEF\xBF\xBF");
+    // Round the place where the scratch moves to the heap.
+    for (const size_t length : {255, 256, 511, 512, 600}) {
+        checkBothWays(std::u32string(length, U'x'), std::string(length, 'x'));
     }
 }
 
 TEST(TransformUtf32, BadInputIsReplacedOrRefused) {
     char narrow[16];
     size_t length;
-    for (const char32_t bad : {0xD800, 0xDFFF, 0x110000, 0x7FFFFFFF}) {
+    for (const char32_t bad : {0xD800, 0x110000, 0x7FFFFFFF}) {
         const char32_t text[] = {U'a', bad, U'b'};
         length = 7;
         EXPECT_EQ(QX_E_ILLEGALCHAR, QXEncUTF32ToUTF8(narrow, 16, &length, text, 3, -1));
@@ -280,61 +227,55 @@ TEST(TransformUtf32, OutOfMemoryIsAFailureThatStoresNoLength) {
     EXPECT_EQ(QX_E_FAIL, QXEncUTF32ToUTF8(narrow, 600, &length, units.c_str(), INT64_MAX, -1));
 }
 
-struct NarrowRow {
-    std::string narrow;
-    std::u16string wide;
-    size_t result;  // units that are needed, or what a failure gives
-};
-
-std::vector<NarrowRow> NarrowRows() {
-    if (!kNarrowTextIsUtf8) {
-        return {{"", u"", 0},
-                {"abc", u"abc", 3},
-                {std::string(40, 'x'), std::u16string(40, u'x'), 40},
-                {"sixteen letters!\xE4z", u"sixteen letters!\u00E4z", 18}};
-    }
-    return {{"", u"", 0},
-            {"abc", u"abc", 3},
-            {std::string(40, 'x'), std::u16string(40, u'x'), 40},
-            {"sixteen letters!\xC3\xA4z", u"sixteen letters!\u00E4z", 18},
-            {"a\xE6\xB0\xB4\xF0\x9F\x8D\x8C!", u"a\u6C34\U0001F34C!", 5},
-            {"\xFF", u"", SIZE_MAX},
-            {"ab\xC3", u"ab", 1},
-            {"ab\xED\xA0\x80", u"ab", 1},
-            {"ab\xC0\x80z", u"ab", 1}};
-}
-
 // As many of the text's whole characters as fit.
-std::u16string Fitting(const std::u16string& text, size_t limit) {
-    const size_t cut = std::min(limit, text.size());
-    return text.substr(0, cut > 0 && cut < text.size() && U16_IS_TRAIL(text[cut]) ? cut - 1 : cut);
+template <typename Unit, typename Test>
+std::basic_string<Unit> Fitting(std::basic_string<Unit> text, size_t limit, Test isTail) {
+    size_t cut = std::min(limit, text.size());
+    while (cut > 0 && cut < text.size() && isTail(text[cut])) {
+        --cut;
+    }
+    return text.substr(0, cut);
 }
 
 TEST(Narrow, BecomesWideUpToEveryLimit) {
-    for (const NarrowRow& row : NarrowRows()) {
+    struct Row {
+        std::string narrow;
+        std::u16string wide;
+        size_t result;  // units that are needed, or what a failure gives
+    };
+    std::vector<Row> rows = {
+        {"", u"", 0},
+        {std::string(40, 'x'), std::u16string(40, u'x'), 40},
+        {kNarrowTextIsUtf8 ? "sixteen letters!\xC3\xA4z" : "sixteen letters!\xE4z",
+         u"sixteen letters!\u00E4z", 18},
+        {"a\xE6\xB0\xB4\xF0\x9F\x8D\x8C!", u"a\u6C34\U0001F34C!", 5},
+        {"\xFF", u"", SIZE_MAX},
+        {"ab\xC3", u"ab", 1},
+        {"ab\xED\xA0\x80", u"ab", 1},
+        {"ab\xC0\x80z", u"ab", 1}};
+    rows.resize(kNarrowTextIsUtf8 ? rows.size() : 3);
+    for (const Row& row : rows) {
         ExactBlock<char> source({row.narrow.c_str(), row.narrow.size() + 1});
         EXPECT_EQ(row.result, QXAnsiToUnicode(nullptr, source.Begin(), 0)) << row.narrow;
         const bool isGood = row.result == row.wide.size();
         for (size_t limit = 0; limit <= row.wide.size() + 2; ++limit) {
             ExactBlock<char16_t> target(limit);
             const size_t result = QXAnsiToUnicode(target.Begin(), source.Begin(), limit);
-            const std::u16string fitting = Fitting(row.wide, limit);
+            const auto fitting =
+                Fitting(row.wide, limit, [](char16_t unit) { return U16_IS_TRAIL(unit); });
             EXPECT_EQ(isGood || limit <= row.wide.size() ? fitting.size() : row.result, result)
                 << row.narrow << " " << limit;
-            const std::u16string content = target.Content();
-            EXPECT_EQ(fitting, content.substr(0, fitting.size()));
+            EXPECT_EQ(fitting, target.Content().substr(0, fitting.size()));
             if (isGood && limit > row.wide.size()) {
-                EXPECT_EQ(0, content[fitting.size()]);
+                EXPECT_EQ(0, target.Content()[fitting.size()]);
             }
         }
     }
     char16_t wide[64];
-    EXPECT_EQ(40u, QXAnsiToUnicode(wide, NarrowRows()[2].narrow.c_str(), SIZE_MAX));
-    EXPECT_EQ(18u, QXAnsiToUnicode(wide, NarrowRows()[3].narrow.c_str(), SIZE_MAX));
+    EXPECT_EQ(18u, QXAnsiToUnicode(wide, rows[2].narrow.c_str(), SIZE_MAX));
     // No terminator is needed where the limit ends the text.
     ExactBlock<char> open(std::string_view("0123456789abcdefghij"));
-    ExactBlock<char16_t> target(20);
-    EXPECT_EQ(20u, QXAnsiToUnicode(target.Begin(), open.Begin(), 20));
+    EXPECT_EQ(20u, QXAnsiToUnicode(wide, open.Begin(), 20));
 }
 
 TEST(Narrow, IsMadeOfWideUpToEveryLimit) {
@@ -343,17 +284,13 @@ TEST(Narrow, IsMadeOfWideUpToEveryLimit) {
     const std::string narrow = kNarrowTextIsUtf8
                                    ? "sixteen letters \xC3\xA4\xE6\xB0\xB4\xF0\x9F\x8D\x8C!"
                                    : "sixteen letters \xE4!";
-    ExactBlock<char16_t> source({wide.c_str(), wide.size() + 1});
-    EXPECT_EQ(narrow.size(), QXUnicodeToAnsi(nullptr, source.Begin(), 0));
+    EXPECT_EQ(narrow.size(), QXUnicodeToAnsi(nullptr, wide.c_str(), 0));
     for (size_t limit = 0; limit <= narrow.size() + 1; ++limit) {
         ExactBlock<char> target(limit);
-        size_t fitting = std::min(limit, narrow.size());
-        while (kNarrowTextIsUtf8 && fitting > 0 && fitting < narrow.size() &&
-               (narrow[fitting] & 0xC0) == 0x80) {
-            --fitting;
-        }
-        EXPECT_EQ(fitting, QXUnicodeToAnsi(target.Begin(), source.Begin(), limit));
-        EXPECT_EQ(narrow.substr(0, fitting), target.Content().substr(0, fitting));
+        const auto fitting = Fitting(
+            narrow, limit, [](char unit) { return kNarrowTextIsUtf8 && (unit & 0xC0) == 0x80; });
+        EXPECT_EQ(fitting.size(), QXUnicodeToAnsi(target.Begin(), wide.c_str(), limit));
+        EXPECT_EQ(fitting, target.Content().substr(0, fitting.size()));
     }
     char target[10];
     EXPECT_EQ(kNarrowTextIsUtf8 ? 3 : SIZE_MAX, QXUnicodeToAnsi(target, u"\u6C34", SIZE_MAX));
@@ -364,21 +301,17 @@ TEST(Narrow, IsMadeOfWideUpToEveryLimit) {
 TEST(Utf16, IsReadCharacterByCharacter) {
     struct Row {
         std::u16string text;
-        uint32_t left;
-        uint32_t character;
+        uint32_t left, character;
         int moved;
     };
-    const Row kRows[] = {{{0xD83D, 0xDE00}, 2, 0x1F600, 2},
-                         {{0xD83D, 0xDE00}, 0xFFFFFFFF, 0x1F600, 2},
-                         {{0xDBFF, 0xDFFF}, 9, 0x10FFFF, 2},
-                         {{0xD83D, 0xDE00}, 1, 0xD83D, 1},
-                         {{0xD83D, u'a'}, 2, 0xD83D, 1},
-                         {{0xDE00, 0xD83D}, 2, 0xDE00, 1},
-                         {u"a", 0, 0, 0},
-                         {u"a", 0x80000000, 0, 0},
-                         {u"a", 0xFFFFFFFE, 0, 0},
-                         {u"", 1, 0, 1}};
-    for (const Row& row : kRows) {
+    for (const Row& row : {Row{{0xD83D, 0xDE00}, 2, 0x1F600, 2},
+                           {{0xDBFF, 0xDFFF}, 0xFFFFFFFF, 0x10FFFF, 2},
+                           {{0xD83D, 0xDE00}, 1, 0xD83D, 1},
+                           {{0xD83D, u'a'}, 2, 0xD83D, 1},
+                           {{0xDE00, 0xD83D}, 2, 0xDE00, 1},
+                           {u"a", 0, 0, 0},
+                           {u"a", 0x80000000, 0, 0},
+                           {u"", 1, 0, 1}}) {
         const char16_t* cursor = row.text.c_str();
         EXPECT_EQ(row.character, QXNextCharUTF16(&cursor, row.left));
         EXPECT_EQ(row.moved, cursor - row.text.c_str());
@@ -388,14 +321,11 @@ TEST(Utf16, IsReadCharacterByCharacter) {
 }
 
 TEST(Utf8Mark, IsComparedWithTheVariableAsItStands) {
-    EXPECT_STREQ("\xEF\xBB\xBF", QXUtf8BomStr);
     EXPECT_EQ(1, QXIsUtf8BomStr("\xEF\xBB\xBFtext"));
-    for (const char* const text : {"", "\xEF", "\xEF\xBB", "\xEF\xBBx"}) {
-        ExactBlock<char> block({text, std::strlen(text) + 1});
-        EXPECT_EQ(0, QXIsUtf8BomStr(block.Begin())) << text;
+    for (const std::string text : {"", "\xEF\xBB", "\xEF\xBBx"}) {
+        EXPECT_EQ(0, QXIsUtf8BomStr(ExactText(text).data())) << text;
     }
-    const char* const before = QXUtf8BomStr;
-    QXUtf8BomStr = "abc";
+    const char* const before = std::exchange(QXUtf8BomStr, "abc");
     EXPECT_EQ(1, QXIsUtf8BomStr("abcd"));
     QXUtf8BomStr = before;
 }

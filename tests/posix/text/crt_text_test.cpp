@@ -17,8 +17,6 @@ TEST(CaseMapping, DoesNotWriteToTextThatHasNothingToChange) {
     static constexpr char16_t kWide[] = u"NOTHING TO CHANGE IN HERE, D\u00C9J\u00C0 VU \u65E5";
     EXPECT_EQ(QXStrToLowerA(const_cast<char*>(kNarrow)), kNarrow);
     EXPECT_EQ(QXStrToUpperW(const_cast<char16_t*>(kWide)), kWide);
-    EXPECT_EQ(QXStrToLowerW(const_cast<char16_t*>(u"\u00E9")), std::u16string(u"\u00E9"));
-    EXPECT_EQ(QXStrToUpperA(const_cast<char*>("\u00E9")), std::string("\u00E9"));
 }
 
 // A locale that is made for the occasion, in which "I" and "i" are no pair.
