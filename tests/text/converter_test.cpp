@@ -148,10 +148,10 @@ TEST(Converter, PutsTheSubstituteForWhatItCannotHold) {
     const char16_t text[] = {u'a', 0xD83D, u'b', 0};
     for (const Row& row : {Row{u"CP1252", 0x20AC, QX_S_OK, "a\200b", QX_S_OK},
                            {u"CP1252", 0, QX_E_ILLEGALCHAR, "a\032b", QX_S_OK},
-                           {u"CP1252", 0x10FFFF, QX_E_ILLEGALCHAR, "a\032b", QX_S_OK},
                            {u"CP1252", INT32_MAX, QX_E_ILLEGALCHAR, "a\032b", QX_S_OK},
                            {u"CP1252", INT32_MIN, QX_S_OK, "a", QX_E_ILLEGALCHAR},
                            {u"UTF-8", 0, QX_S_OK, "a\357\277\275b", QX_S_OK},
+                           {u"UTF-8", 0x10FFFF, QX_E_ILLEGALCHAR, "a\357\277\275b", QX_S_OK},
                            {u"UTF-8", 0x10FFFE, QX_S_OK, "a\364\217\277\276b", QX_S_OK}}) {
         const Converter converter = Open(row.name);
         EXPECT_EQ(row.set, QXEncFromW_SetSubstitutionChar(converter.get(), row.substitution));
