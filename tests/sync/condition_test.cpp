@@ -33,7 +33,9 @@ TEST(Condition, AWaitGivesUpOneHoldAndHasItAgainAfterATimeOut) {
     for (const int depth : {1, 2}) {
         const Condition condition;
         const auto pass = [&] {
-            return QXConditionAcquire(condition) | QXConditionRelease(condition);
+            const QXResult result = QXConditionAcquire(condition);
+            QXConditionRelease(condition);
+            return result;
         };
         for (int hold = 0; hold < depth; ++hold) {
             QXConditionAcquire(condition);
@@ -60,9 +62,11 @@ TEST(Condition, ASignalReleasesOneAndABroadcastAll) {
     std::vector<std::unique_ptr<BlockedCall>> threads;
     while (threads.size() < 4) {
         threads.push_back(std::make_unique<BlockedCall>([&] {
-            const QXResult result = QXConditionAcquire(condition) | QXConditionWait(condition);
+            QXConditionAcquire(condition);
+            const QXResult result = QXConditionWait(condition);
             ++released;
-            return result | QXConditionRelease(condition);
+            QXConditionRelease(condition);
+            return result;
         }));
     }
     EXPECT_EQ(QX_S_OK, QXConditionSignal(condition));

@@ -1,11 +1,9 @@
 #include <gtest/gtest.h>
-#include <qxcore/event.h>
 #include <qxcore/rwlock.h>
 #include <qxcore/semaphore.h>
 
-#include <functional>
 #include <memory>
-#include <string>
+#include <string_view>
 #include <vector>
 
 #include "support/blocked_call.h"
@@ -22,36 +20,7 @@ class Lock {
     QXHandle m_handle = nullptr;
 };
 
-QXResult InAnotherThread(const std::function<QXResult()>& call) {
-    return BlockedCall(call).Result();
-}
-
-QXResult TryWrite(QXHandle lock) {
-    const QXResult result = QXRWLockTryAcquireWrite(lock);
-    if (QX_SUCCEEDED(result)) {
-        EXPECT_EQ(QX_S_OK, QXRWLockReleaseWrite(lock));
-    }
-    return result;
-}
-
-QXResult TryRead(QXHandle lock) {
-    const QXResult result = QXRWLockTryAcquireRead(lock);
-    if (QX_SUCCEEDED(result)) {
-        EXPECT_EQ(QX_S_OK, QXRWLockReleaseRead(lock));
-    }
-    return result;
-}
-
-// A reader keeps writers out, since the gate closed behind it: the lock had counted nobody.
-bool CountsNobody(QXHandle lock) {
-    QXRWLockAcquireRead(lock);
-    const QXResult writer = InAnotherThread([&] { return TryWrite(lock); });
-    QXRWLockReleaseRead(lock);
-    return writer == QX_E_FAIL;
-}
-
-// R and W acquire, T and V try to acquire, r and w release a read and a write hold. With `!` behind
-// it the call fails.
+// R and W acquire, T and V try to acquire, r and w release a read and a write hold.
 QXResult Do(char step, QXHandle lock) {
     switch (step) {
         case 'R':
@@ -69,23 +38,41 @@ QXResult Do(char step, QXHandle lock) {
     }
 }
 
+// Up to the first step that fails, whose result this is.
+QXResult DoAll(std::string_view steps, QXHandle lock) {
+    QXResult result = QX_S_OK;
+    for (size_t step = 0; step < steps.size() && QX_SUCCEEDED(result); ++step) {
+        result = Do(steps[step], lock);
+    }
+    return result;
+}
+
+QXResult Elsewhere(std::string_view steps, QXHandle lock) {
+    return BlockedCall([&] { return DoAll(steps, lock); }).Result();
+}
+
+// A reader keeps writers out, since the gate closed behind it: the lock had counted nobody.
+bool CountsNobody(QXHandle lock) {
+    Do('R', lock);
+    const QXResult writer = Elsewhere("Vw", lock);
+    Do('r', lock);
+    return writer == QX_E_FAIL;
+}
+
+// With `!` behind it a step fails.
 TEST(RWLock, OneThreadsHoldsNestAndEnd) {
     struct Row {
         const char* steps;
         bool countsNobody = true;
     };
-    constexpr Row kRows[] = {
-        {"r!w!"},          // nothing to release
-        {"RRWwrr"},        // an upgrade of the only reader
-        {"WWwww!"},        //
-        {"WRrw"},          // a read hold inside a write hold
-        {"WRwr!", false},  // its release comes too late
-        {"RWRrwr"},        // parked holds come and go
-        {"RWrwr!"},        // the parked hold was released
-        {"RWRwrrr!"},      // more holds behind the upgrade than before
-        {"TTVVwwrr"},      // the try forms are as recursive
-    };
-    for (const Row& row : kRows) {
+    for (const Row& row : {Row{"r!w!"},        // nothing to release
+                           {"RRWwrr"},         // an upgrade of the only reader
+                           {"WRrw"},           // a read hold inside a write hold
+                           {"WRwr!", false},   // its release comes too late
+                           {"RWRrwr"},         // parked holds come and go
+                           {"RWrwr!"},         // the parked hold was released
+                           {"RWRwrrr!"},       // more holds behind the upgrade than before
+                           {"TTVVwwrrw!"}}) {  // the try forms are as recursive
         SCOPED_TRACE(row.steps);
         const Lock lock;
         for (const char* step = row.steps; *step != '\0'; ++step) {
@@ -93,7 +80,7 @@ TEST(RWLock, OneThreadsHoldsNestAndEnd) {
             EXPECT_EQ(fails ? QX_E_FAIL : QX_S_OK, Do(*step, lock));
             step += fails ? 1 : 0;
         }
-        EXPECT_EQ(QX_S_OK, InAnotherThread([&] { return TryWrite(lock); }));
+        EXPECT_EQ(QX_S_OK, Elsewhere("Vw", lock));
         EXPECT_EQ(row.countsNobody, CountsNobody(lock));
     }
     EXPECT_EQ(QX_S_OK, QXRWLockDestroy(nullptr));
@@ -101,15 +88,14 @@ TEST(RWLock, OneThreadsHoldsNestAndEnd) {
 
 TEST(RWLock, ReadersShareAndWritersDoNot) {
     const Lock lock;
-    for (const char hold : {'R', 'W', 'R'}) {
-        Do(hold, lock);
-        EXPECT_EQ(QX_E_FAIL, InAnotherThread([&] { return TryWrite(lock); }));
-        EXPECT_EQ(hold == 'R' ? QX_S_OK : QX_E_FAIL,
-                  InAnotherThread([&] { return TryRead(lock); }));
-        EXPECT_EQ(QX_E_FAIL, InAnotherThread([&] { return QXRWLockReleaseRead(lock); }));
-        BlockedCall writer([&] { return Do('W', lock) | Do('w', lock); });
+    for (const bool reads : {true, false, true}) {
+        Do(reads ? 'R' : 'W', lock);
+        EXPECT_EQ(QX_E_FAIL, Elsewhere("Vw", lock));
+        EXPECT_EQ(reads ? QX_S_OK : QX_E_FAIL, Elsewhere("Tr", lock));
+        EXPECT_EQ(QX_E_FAIL, Elsewhere("r", lock));
+        BlockedCall writer([&] { return DoAll("Ww", lock); });
         EXPECT_FALSE(writer.HasReturned());
-        EXPECT_EQ(QX_S_OK, hold == 'R' ? Do('r', lock) : Do('w', lock));
+        EXPECT_EQ(QX_S_OK, Do(reads ? 'r' : 'w', lock));
         EXPECT_EQ(QX_S_OK, writer.Result());
     }
 }
@@ -117,11 +103,10 @@ TEST(RWLock, ReadersShareAndWritersDoNot) {
 TEST(RWLock, AWaitingWriterKeepsNewReadersOutAndLetsHoldersReadAgain) {
     const Lock lock;
     Do('R', lock);
-    BlockedCall writer([&] { return Do('W', lock) | Do('w', lock); });
-    BlockedCall reader([&] { return Do('R', lock) | Do('r', lock); });
-    EXPECT_EQ(QX_S_OK, Do('R', lock));
-    EXPECT_EQ(QX_S_OK, Do('T', lock));
-    EXPECT_EQ(QX_E_FAIL, InAnotherThread([&] { return TryRead(lock); }));
+    BlockedCall writer([&] { return DoAll("Ww", lock); });
+    BlockedCall reader([&] { return DoAll("Rr", lock); });
+    EXPECT_EQ(QX_S_OK, DoAll("RT", lock));
+    EXPECT_EQ(QX_E_FAIL, Elsewhere("Tr", lock));
     for (int hold = 0; hold < 3; ++hold) {
         EXPECT_FALSE(writer.HasReturned() || reader.HasReturned());
         EXPECT_EQ(QX_S_OK, Do('r', lock));
@@ -131,68 +116,72 @@ TEST(RWLock, AWaitingWriterKeepsNewReadersOutAndLetsHoldersReadAgain) {
     EXPECT_TRUE(CountsNobody(lock));
 }
 
-TEST(RWLock, TheCountOfReadersHasNoLimitAndNoOrder) {
-    constexpr int kReaders = 20;
-    const Lock lock;
-    QXHandle leave = nullptr;
-    ASSERT_EQ(QX_S_OK, QXSemaphoreCreate(0, nullptr, 0, &leave));
-    {
-        std::vector<std::unique_ptr<BlockedCall>> readers;
-        for (int index = 0; index < kReaders; ++index) {
-            readers.push_back(std::make_unique<BlockedCall>(
-                [&] { return Do('R', lock) | QXSemaphoreWait(leave) | Do('r', lock); }));
-        }
-        for (int index = 0; index < kReaders; ++index) {
-            EXPECT_EQ(QX_E_FAIL, TryWrite(lock));
-            QXSemaphorePost(leave);
-            EXPECT_EQ(QX_S_OK, readers[index]->Result());
-        }
+// A thread that takes some steps, sleeps until it shall leave, and takes its last one.
+class Other {
+  public:
+    Other(std::string_view steps, QXHandle lock)
+        : m_thread([=, this] {
+              const QXResult result = DoAll(steps, lock);
+              QXSemaphoreWait(m_leave);
+              return QX_SUCCEEDED(result) ? Do('r', lock) : result;
+          }) {}
+    ~Other() { QXSemaphoreDestroy(m_leave); }
+
+    QXResult Leave() {
+        QXSemaphorePost(m_leave);
+        return m_thread.Result();
     }
-    EXPECT_EQ(QX_S_OK, TryWrite(lock));
+
+  private:
+    QXHandle m_leave = [] {
+        QXHandle semaphore = nullptr;
+        EXPECT_EQ(QX_S_OK, QXSemaphoreCreate(0, nullptr, 0, &semaphore));
+        return semaphore;
+    }();
+    BlockedCall m_thread;
+};
+
+TEST(RWLock, TheCountOfReadersHasNoLimitAndNoOrder) {
+    const Lock lock;
+    std::vector<std::unique_ptr<Other>> readers;
+    while (readers.size() < 20) {
+        readers.push_back(std::make_unique<Other>("R", lock));
+    }
+    for (const auto& reader : readers) {
+        EXPECT_EQ(QX_E_FAIL, DoAll("Vw", lock));
+        EXPECT_EQ(QX_S_OK, reader->Leave());
+    }
+    EXPECT_EQ(QX_S_OK, DoAll("Vw", lock));
     EXPECT_TRUE(CountsNobody(lock));
-    QXSemaphoreDestroy(leave);
 }
 
 TEST(RWLock, AnUpgradeWaitsForTheOtherReadersAndLeavesTheGateOpen) {
     const Lock lock;
-    QXHandle leave = nullptr;
-    ASSERT_EQ(QX_S_OK, QXEventCreate(nullptr, 0, &leave));
     Do('R', lock);
-    BlockedCall upgrader([&] {
-        const QXResult upgraded = Do('R', lock) | Do('W', lock) | Do('w', lock);
-        return upgraded | QXEventWait(leave) | Do('r', lock);
-    });
+    Other upgrader("RWw", lock);
     EXPECT_EQ(QX_S_OK, Do('r', lock));
     // The upgrader writes, goes back to reading, and does not keep this writer out any more.
-    EXPECT_EQ(QX_S_OK, Do('W', lock));
-    EXPECT_EQ(QX_S_OK, Do('w', lock));
-    QXEventSignal(leave);
-    EXPECT_EQ(QX_S_OK, upgrader.Result());
+    EXPECT_EQ(QX_S_OK, DoAll("Ww", lock));
+    EXPECT_EQ(QX_S_OK, upgrader.Leave());
     EXPECT_TRUE(CountsNobody(lock));
-    QXEventDestroy(leave);
 }
 
 TEST(RWLock, ARefusedTryForWritingLeavesNoMark) {
     const Lock lock;
-    QXHandle leave = nullptr;
-    ASSERT_EQ(QX_S_OK, QXEventCreate(nullptr, 0, &leave));
     Do('R', lock);
-    BlockedCall other([&] { return Do('R', lock) | QXEventWait(leave) | Do('r', lock); });
+    Other other("R", lock);
     EXPECT_EQ(QX_E_FAIL, Do('V', lock));
-    QXEventSignal(leave);
-    EXPECT_EQ(QX_S_OK, other.Result());
+    EXPECT_EQ(QX_S_OK, other.Leave());
     // Had the other reader seen the mark, it would have opened the gate.
-    EXPECT_EQ(QX_E_FAIL, InAnotherThread([&] { return TryWrite(lock); }));
+    EXPECT_EQ(QX_E_FAIL, Elsewhere("Vw", lock));
     EXPECT_EQ(QX_S_OK, Do('r', lock));
-    QXEventDestroy(leave);
 }
 
 TEST(RWLock, AStrangersReleaseTakesAParkedHoldOfTheWriter) {
     const Lock lock;
-    Do('R', lock);
-    Do('W', lock);
-    EXPECT_EQ(QX_S_OK, InAnotherThread([&] { return QXRWLockReleaseRead(lock); }));
-    EXPECT_EQ(QX_E_FAIL, InAnotherThread([&] { return QXRWLockReleaseRead(lock); }));
+    DoAll("RW", lock);
+    EXPECT_EQ(QX_S_OK, Elsewhere("r", lock));
+    EXPECT_EQ(QX_E_FAIL, Elsewhere("r", lock));
     EXPECT_EQ(QX_S_OK, Do('w', lock));
     EXPECT_EQ(QX_E_FAIL, Do('r', lock));
     EXPECT_TRUE(CountsNobody(lock));

@@ -57,50 +57,44 @@ void AwaitCount(const std::atomic<int>& count, int wanted) {
     }
 }
 
-TEST(WaitStress, AMutexHoldsOneThread) {
+// No more than so many are inside at once. One alone may change what is not atomic.
+void Compete(QXHandle object, QXResult take(QXHandle), QXResult tryToTake(QXHandle),
+             QXResult leave(QXHandle), int mostInside) {
     constexpr int kRounds = 5000;
+    std::atomic<int> inside{0};
+    int alone = 0;
+    InThreads(kThreads, [&](int, Chance& chance) {
+        for (int round = 0; round < kRounds; ++round) {
+            if (chance.Below(3) != 0 || QX_FAILED(tryToTake(object))) {
+                EXPECT_EQ(QX_S_OK, take(object));
+            }
+            EXPECT_LE(++inside, mostInside);
+            if (mostInside == 1) {
+                ++alone;
+            }
+            chance.Dawdle();
+            --inside;
+            EXPECT_EQ(QX_S_OK, leave(object));
+        }
+    });
+    EXPECT_EQ(mostInside == 1 ? kThreads * kRounds : 0, alone);
+}
+
+TEST(WaitStress, AMutexHoldsOneThread) {
     for (const uint32_t flags : {0u, QX_MUTEX_SPIN}) {
         QXHandle mutex = nullptr;
         ASSERT_EQ(QX_S_OK, QXMutexCreate("m", flags, &mutex));
-        int inside = 0;
-        long total = 0;
-        InThreads(kThreads, [&](int, Chance& chance) {
-            for (int round = 0; round < kRounds; ++round) {
-                if (chance.Below(3) != 0 || QX_FAILED(QXMutexTryAcquire(mutex))) {
-                    QXMutexAcquire(mutex);
-                }
-                EXPECT_EQ(1, ++inside);
-                ++total;
-                chance.Dawdle();
-                --inside;
-                QXMutexRelease(mutex);
-            }
-        });
-        EXPECT_EQ(long{kThreads} * kRounds, total);
+        Compete(mutex, QXMutexAcquire, QXMutexTryAcquire, QXMutexRelease, 1);
         QXMutexDestroy(mutex);
     }
 }
 
 TEST(WaitStress, ASemaphoreLetsThroughAsManyAsItCounts) {
-    constexpr int kRounds = 10000;
-    constexpr int kCount = 2;
     QXHandle semaphore = nullptr;
-    ASSERT_EQ(QX_S_OK, QXSemaphoreCreate(kCount, "s", 0, &semaphore));
-    std::atomic<int> inside{0};
-    InThreads(kThreads, [&](int, Chance& chance) {
-        for (int round = 0; round < kRounds; ++round) {
-            if (chance.Below(3) != 0 || QX_FAILED(QXSemaphoreTryWait(semaphore))) {
-                EXPECT_EQ(QX_S_OK, QXSemaphoreWait(semaphore));
-            }
-            EXPECT_LE(++inside, kCount);
-            chance.Dawdle();
-            --inside;
-            EXPECT_EQ(QX_S_OK, QXSemaphorePost(semaphore));
-        }
-    });
-    for (int count = 0; count < kCount; ++count) {
-        EXPECT_EQ(QX_S_OK, QXSemaphoreTryWait(semaphore));
-    }
+    ASSERT_EQ(QX_S_OK, QXSemaphoreCreate(2, "s", 0, &semaphore));
+    Compete(semaphore, QXSemaphoreWait, QXSemaphoreTryWait, QXSemaphorePost, 2);
+    EXPECT_EQ(QX_S_OK, QXSemaphoreTryWait(semaphore));
+    EXPECT_EQ(QX_S_OK, QXSemaphoreTryWait(semaphore));
     EXPECT_EQ(QX_E_FAIL, QXSemaphoreTryWait(semaphore));
     QXSemaphoreDestroy(semaphore);
 }
@@ -194,10 +188,6 @@ TEST(WaitStress, AConditionsSignalIsNotSwallowedByAWaitThatRunsOut) {
         QXConditionBroadcast(condition);
         QXConditionRelease(condition);
     };
-    const auto wait = [&](bool patient, Chance& chance) {
-        return patient ? QXConditionWait(condition)
-                       : QXConditionTimedWait(condition, static_cast<uint32_t>(chance.Below(2)));
-    };
     InThreads(kThreads, [&](int index, Chance& chance) {
         if (index == 0) {
             return produce(chance);
@@ -206,7 +196,9 @@ TEST(WaitStress, AConditionsSignalIsNotSwallowedByAWaitThatRunsOut) {
             QXConditionAcquire(condition);
             QXResult result = QX_S_OK;
             while (items == 0 && !closed && result == QX_S_OK) {
-                result = wait(index % 2 != 0, chance);
+                const uint32_t ms = static_cast<uint32_t>(chance.Below(2));
+                result = index % 2 != 0 ? QXConditionWait(condition)
+                                        : QXConditionTimedWait(condition, ms);
             }
             if (result == QX_S_OK && items > 0) {
                 --items;
@@ -222,75 +214,60 @@ TEST(WaitStress, AConditionsSignalIsNotSwallowedByAWaitThatRunsOut) {
     QXConditionDestroy(condition);
 }
 
-class SharedValue {
-  public:
-    SharedValue() { EXPECT_EQ(QX_S_OK, QXRWLockCreate("rw", 0, &m_lock)); }
-    ~SharedValue() { EXPECT_EQ(QX_S_OK, QXRWLockDestroy(m_lock)); }
-
-    bool Read(Chance& chance) {
-        const bool tries = chance.Below(3) == 0;
-        if (QX_FAILED(tries ? QXRWLockTryAcquireRead(m_lock) : QXRWLockAcquireRead(m_lock))) {
-            return false;
-        }
-        ++m_readers;
-        EXPECT_EQ(0, m_writers);
-        const long before = m_value;
-        const bool again = chance.Below(2) == 0 && QX_SUCCEEDED(QXRWLockAcquireRead(m_lock));
-        chance.Dawdle();
-        EXPECT_EQ(before, m_value);
-        --m_readers;
-        EXPECT_TRUE(!again || QX_SUCCEEDED(QXRWLockReleaseRead(m_lock)));
-        EXPECT_EQ(QX_S_OK, QXRWLockReleaseRead(m_lock));
-        return true;
-    }
-
-    bool Write(Chance& chance) {
-        const bool tries = chance.Below(3) == 0;
-        if (QX_FAILED(tries ? QXRWLockTryAcquireWrite(m_lock) : QXRWLockAcquireWrite(m_lock))) {
-            return false;
-        }
-        EXPECT_EQ(1, ++m_writers);
-        EXPECT_EQ(0, m_readers);
-        ++m_value;
-        const bool reads = chance.Below(2) == 0 && QX_SUCCEEDED(QXRWLockAcquireRead(m_lock));
-        chance.Dawdle();
-        EXPECT_TRUE(!reads || QX_SUCCEEDED(QXRWLockReleaseRead(m_lock)));
-        --m_writers;
-        EXPECT_EQ(QX_S_OK, QXRWLockReleaseWrite(m_lock));
-        return true;
-    }
-
-    long Value() const { return m_value; }
-
-  private:
-    QXHandle m_lock = nullptr;
-    std::atomic<int> m_readers{0};
-    std::atomic<int> m_writers{0};
-    long m_value = 0;
-};
-
 TEST(WaitStress, AReaderWriterLockHoldsReadersOrOneWriter) {
     constexpr int kRounds = 10000;
-    SharedValue value;
+    QXHandle lock = nullptr;
+    ASSERT_EQ(QX_S_OK, QXRWLockCreate("rw", 0, &lock));
+    std::atomic<int> readers{0};
+    std::atomic<int> writers{0};
     std::atomic<long> written{0};
+    long value = 0;
+    const auto take = [&](Chance& chance, QXResult acquire(QXHandle), QXResult tryTo(QXHandle)) {
+        return QX_SUCCEEDED(chance.Below(3) == 0 ? tryTo(lock) : acquire(lock));
+    };
+    const auto readAgain = [&](Chance& chance) {
+        const bool again = chance.Below(2) == 0 && QX_SUCCEEDED(QXRWLockAcquireRead(lock));
+        chance.Dawdle();
+        EXPECT_TRUE(!again || QX_SUCCEEDED(QXRWLockReleaseRead(lock)));
+    };
+    const auto read = [&](Chance& chance) {
+        ++readers;
+        EXPECT_EQ(0, writers);
+        const long before = value;
+        readAgain(chance);
+        EXPECT_EQ(before, value);
+        --readers;
+        EXPECT_EQ(QX_S_OK, QXRWLockReleaseRead(lock));
+    };
+    const auto write = [&](Chance& chance) {
+        EXPECT_EQ(1, ++writers);
+        EXPECT_EQ(0, readers);
+        ++value;
+        ++written;
+        readAgain(chance);
+        --writers;
+        EXPECT_EQ(QX_S_OK, QXRWLockReleaseWrite(lock));
+    };
     InThreads(kThreads, [&](int, Chance& chance) {
         for (int round = 0; round < kRounds; ++round) {
             if (chance.Below(4) != 0) {
-                value.Read(chance);
-            } else {
-                written += value.Write(chance) ? 1 : 0;
+                if (take(chance, QXRWLockAcquireRead, QXRWLockTryAcquireRead)) {
+                    read(chance);
+                }
+            } else if (take(chance, QXRWLockAcquireWrite, QXRWLockTryAcquireWrite)) {
+                write(chance);
             }
         }
     });
-    EXPECT_EQ(written, value.Value());
+    EXPECT_EQ(written, value);
+    EXPECT_EQ(QX_S_OK, QXRWLockDestroy(lock));
 }
 
 // The object ends the moment that its waiter is released, with the signalling thread still in its
 // call.
 TEST(WaitStress, WhoeverIsReleasedMayDestroyTheObjectAtOnce) {
-    constexpr int kRounds = 1000;
     InThreads(3, [](int index, Chance& chance) {
-        for (int round = 0; round < kRounds; ++round) {
+        for (int round = 0; round < 1000; ++round) {
             QXHandle object = nullptr;
             bool ready = false;
             if (index == 0) {
