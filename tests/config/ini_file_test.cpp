@@ -6,7 +6,6 @@
 #include <chrono>
 
 #include "config/ini_iterators.h"
-#include "config/ini_support.h"
 #include "core/exception.h"
 #include "support/child_role.h"
 #include "support/system.h"
@@ -15,6 +14,23 @@ namespace {
 
 namespace fs = std::filesystem;
 using Names = std::vector<std::u16string>;
+
+std::u16string ValueOf(IniFile& file, const char16_t* section, const char16_t* key) {
+    char16_t value[1024];
+    return file.GetString(section, key, value) == QX_S_OK ? value : u"<none>";
+}
+
+// "[section]key=value;key=value;[section]..."
+std::u16string TableOf(IniFile& file) {
+    std::u16string table;
+    for (const std::u16string& section : file.GetSections()) {
+        table += u'[' + section + u']';
+        for (const std::u16string& key : file.GetKeys(section)) {
+            table += key + u'=' + ValueOf(file, section.c_str(), key.c_str()) + u';';
+        }
+    }
+    return table;
+}
 
 class IniFileTest : public testing::Test {
   protected:
@@ -31,8 +47,6 @@ class IniFileTest : public testing::Test {
 };
 
 const std::string k508(508, 'v');
-const std::string k600(600, 'v');
-const std::u16string kWide508(508, u'v');
 const std::u16string kWide507(507, u'v');
 
 // What the next write adds.
@@ -47,27 +61,19 @@ struct Grammar {
 
 const Grammar kGrammar[] = {
     {"empty", "", u"", ""},
-    {"plain", "[a]\nx=1\ny=2\n\n[b]\nz=3\n", u"[a]x=1;y=2;[b]z=3;",
-     "[a]\nx=1\ny=2\n\n[b]\nz=3\n\n"},
     {"carriage returns", "[a]\r\nx=1\r\n\r\n[b]\r\ny=\r2\r\r\n", u"[a]x=1;[b]y=\r2\r;",
      "[a]\nx=1\n\n[b]\ny=\r2\r\n\n"},
     {"the end mark", "[a]\nx=1\n\n\x1A[b]\ny=2\n", u"[a]x=1;", "[a]\nx=1\n\n"},
     {"comments between sections", "#c\n;c\n:c\nstray=1\n[a]\nx=1\n", u"[a]x=1;", "[a]\nx=1\n\n"},
-    {"a head under keys", "[a]\nx=1\n[b]\ny=2\n", u"", ""},
     {"a head with an equals sign is a key", "[a]\nx=1\n[b=]\n", u"[a][b=];x=1;",
      "[a]\n[b=]\nx=1\n\n"},
     {"a comment inside a section", "[a]\nx=1\n\n[b]\ny=2\n#c\n", u"[a]x=1;", "[a]\nx=1\n\n"},
-    {"a comment with an equals sign is a key", "[a]\n#a=b\n", u"[a]#a=b;", "[a]\n#a=b\n\n"},
-    {"a line without an equals sign", "[a]\nx=1\n\n[b]\nno equals\n", u"[a]x=1;", "[a]\nx=1\n\n"},
-    {"an indented line ends the section", "[a]\n x=1\ny=2\n", u"[a]", "[a]\n\n"},
-    {"and so do other spaces", "[a]\n\tx=1\n[b]\n\vx=1\n[c]\n\fx=1\n[d]\n\rx=1\n", u"[a][b][c][d]",
-     "[a]\n\n[b]\n\n[c]\n\n[d]\n\n"},
+    {"a space ends the section", "[_]\n x=1\ny=2\n[a]\n\tx=1\n[b]\n\vx=1\n[c]\n\fx=1\n[d]\n\rx=1\n",
+     u"[_][a][b][c][d]", "[_]\n\n[a]\n\n[b]\n\n[c]\n\n[d]\n\n"},
     {"a last line without an end", "[a]\nx=12", u"[a]x=1;", "[a]\nx=1\n\n"},
     {"which may be the equals sign", "[a]\nx=", u"", ""},
-    {"spaces around", "[ a ]\n k = v\n[b]\nk = v = w  \n=\n  =x\n", u"[ a ][b]=;k=v = w;",
-     "[ a ]\n\n[b]\n=\nk=v = w\n\n"},
-    {"tabs stay", "[a]\nk\t=\tv\t\n", u"[a]k\t=\tv\t;", "[a]\nk\t=\tv\t\n\n"},
-    {"an empty key", "[a]\n=x\n", u"[a]=x;", "[a]\n=x\n\n"},
+    {"spaces around", "[ a ]\n k = v\n[b]\nk\t = v = w  \n=\n  =x\n", u"[ a ][b]=;k\t=v = w;",
+     "[ a ]\n\n[b]\n=\nk\t=v = w\n\n"},
     {"the last bracket", "[a] ; note ]\nk=v\n", u"[a] ; note ]k=v;", "[a] ; note ]\nk=v\n\n"},
     {"behind the bracket", "[a] note\nk=v\n", u"[a]k=v;", "[a]\nk=v\n\n"},
     {"no bracket", "[a]\nx=1\n\n[b\ny=2\n", u"[a]x=1;", "[a]\nx=1\n\n"},
@@ -85,12 +91,9 @@ const Grammar kGrammar[] = {
      u"[a]k=" + kWide507 + u";l=1;", "[a]\nk=" + k508.substr(1) + "\nl=1\n\n"},
     {"510 bytes and an end", "[a]\nk=" + k508 + "\nl=1\n", u"[a]k=" + kWide507 + u";",
      "[a]\nk=" + k508.substr(1) + "\n\n"},
-    {"of which a carriage return is none", "[a]\r\nk=" + k508.substr(1) + "\r\nl=1\r\n",
-     u"[a]k=" + kWide507 + u";l=1;", "[a]\nk=" + k508.substr(1) + "\nl=1\n\n"},
-    {"600 bytes", "[a]\n\n[b]\nk=" + k600 + "\n", u"[a]", "[a]\n\n"},
-    {"600 bytes with an equals sign in the rest", "[b]\nk=" + k600 + "=x\n",
+    {"600 bytes with an equals sign in the rest", "[b]\nk=" + k508 + k508.substr(0, 92) + "=x\n",
      u"[b]k=" + kWide507 + u";" + std::u16string(92, u'v') + u"=x;",
-     "[b]\nk=" + k508.substr(1) + "\n" + k600.substr(0, 92) + "=x\n\n"},
+     "[b]\nk=" + k508.substr(1) + "\n" + k508.substr(0, 92) + "=x\n\n"},
 };
 
 TEST_F(IniFileTest, ReadsAndWritesByItsGrammar) {
@@ -143,17 +146,15 @@ TEST_F(IniFileTest, SetStringKeepsSpellingsAndOtherValues) {
     EXPECT_FALSE(fs::exists(m_path)) << "loading makes no file";
     EXPECT_EQ(file.SetString(u"a", u"e", u"", false), 0);
     EXPECT_EQ(ReadTextFile(m_path), "[a]\ne=\n\n");
-    EXPECT_EQ(file.SetString(u"A", u"f", u"", false), 0);
-    EXPECT_EQ(file.SetString(u"a", u"E", u"long", true), 0);
-    EXPECT_EQ(file.SetString(u"a", u"F", u"short", true), 0);
-    EXPECT_EQ(file.SetString(u"a", u"E", u"", true), 0);
-    EXPECT_EQ(file.SetString(u"a", u"D", u"d", true), 0);
-    EXPECT_EQ(file.SetString(u"a", u"e", u"1", true), 0);
+    for (const auto& [key, value] :
+         {std::pair{u"E", u"long"}, {u"F", u"short"}, {u"D", u"d"}, {u"E", u"1"}}) {
+        EXPECT_EQ(file.SetString(u"A", key, value, true), 0);
+    }
     fs::remove(m_path);
-    EXPECT_EQ(file.SetString(u"A", u"D", u"no", false), -1);
+    EXPECT_EQ(file.SetString(u"A", u"d", u"no", false), -1);
     EXPECT_FALSE(fs::exists(m_path)) << "a refusal writes nothing";
     EXPECT_EQ(file.SetString(u"a", u"d", u"d", true), 0);
-    EXPECT_EQ(ReadTextFile(m_path), "[a]\nD=d\ne=1\nf=short\n\n") << "an equal value is written";
+    EXPECT_EQ(ReadTextFile(m_path), "[a]\nD=d\ne=1\nF=short\n\n") << "an equal value is written";
     char16_t untouched[] = u"#";
     EXPECT_EQ(file.GetString(u"a", u"none", untouched), QX_E_NOTFOUND);
     EXPECT_EQ(file.GetString(u"none", u"D", untouched), QX_E_NOTFOUND);
@@ -191,7 +192,6 @@ TEST_F(IniFileTest, WhatCannotBeReadIsEmptyAndWhatCannotBeWrittenIsNotTold) {
     IniFile directory(m_name.c_str());
     EXPECT_EQ(directory.SetString(u"a", u"x", u"1", true), 0);
     EXPECT_EQ(TableOf(directory), u"[a]x=1;");
-    EXPECT_TRUE(fs::is_directory(m_path));
     IniFile none(nullptr);
     EXPECT_EQ(TableOf(none), u"");
 }
@@ -214,10 +214,15 @@ TEST_F(IniFileTest, ChildrenAreFoundByExactSpelling) {
         Names children;
         std::u16string keys;
     } rows[] = {
-        {u"a", {u"B", u"b", u"d"}, u""}, {u"A", {u"f"}, u""},         {u"a\\b", {u"c"}, u"W x "},
-        {u"A\\B", {}, u"W x "},          {u"a\\B", {u"g"}, u"W x "},  {u"a\\d", {u"e"}, u""},
-        {u"a\\d\\e", {}, u""},           {u"A\\d", {}, u"<none>"},    {u"r", {u""}, u""},
-        {u"r\\", {u"s"}, u""},           {u"nothing", {}, u"<none>"}, {u"", {}, u"<none>"},
+        {u"a", {u"B", u"b", u"d"}, u""},
+        {u"A", {u"f"}, u""},
+        {u"a\\b", {u"c"}, u"W x "},
+        {u"A\\B", {}, u"W x "},
+        {u"a\\d\\e", {}, u""},
+        {u"A\\d", {}, u"<none>"},
+        {u"r", {u""}, u""},
+        {u"r\\", {u"s"}, u""},
+        {u"", {}, u"<none>"},
     };
     for (const auto& row : rows) {
         IniFileSetIterator children(file, row.path);
@@ -239,7 +244,6 @@ TEST_F(IniFileTest, ChildrenAreFoundByExactSpelling) {
     EXPECT_EQ(file.SetString(u"~", u"", u"", true), 0) << "the throwing iterator held nothing back";
 }
 
-constexpr int kWriters = 4;
 constexpr int kChanges = 20;
 
 // A look that falls into the second of the object's own last one does not see what others wrote in
@@ -257,15 +261,14 @@ CHILD_ROLE(IniWriter) {
 
 TEST_F(IniFileTest, ProcessesThatChangeOneFileLoseNothing) {
     std::vector<ChildProcess> writers;
-    for (int writer = 0; writer < kWriters; ++writer) {
-        writers.emplace_back("IniWriter",
-                             ChildProcess::Arguments{m_path.string(), std::to_string(writer)});
+    for (const char* const name : {"a", "b", "c", "d"}) {
+        writers.emplace_back("IniWriter", ChildProcess::Arguments{m_path.string(), name});
     }
     for (ChildProcess& writer : writers) {
         EXPECT_EQ(writer.Wait(), 0);
     }
     IniFile file(m_name.c_str());
-    EXPECT_EQ(file.GetKeys(u"SHARED").size(), std::size_t{kWriters * kChanges});
+    EXPECT_EQ(file.GetKeys(u"SHARED").size(), std::size_t{4 * kChanges});
 }
 
 }  // namespace

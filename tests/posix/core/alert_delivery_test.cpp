@@ -29,6 +29,7 @@ std::string s_logged;
 volatile sig_atomic_t s_traps = 0;
 
 void CountTraps() {
+    s_traps = 0;
     signal(SIGTRAP, [](int) { s_traps = s_traps + 1; });
 }
 
@@ -129,8 +130,8 @@ std::string TracedText(bool traced, bool isRead = true) {
     });
     close(ends[1]);
     char text[256];
-    const ssize_t size = isRead ? read(ends[0], text, sizeof text) : 0;
     EXPECT_EQ(0, child.Wait());
+    const ssize_t size = isRead ? read(ends[0], text, sizeof text) : 0;
     return {text, static_cast<size_t>(size)};
 }
 

@@ -13,38 +13,6 @@
 
 namespace {
 
-TEST(Fork, ThreadIdIsTheKernelsAlsoInTheChild) {
-    const auto isTheKernels = [] { return u32(gettid()) == platform::GetCurrentThreadId(); };
-    EXPECT_TRUE(isTheKernels());
-    EXPECT_EQ(1, ForkedChild(isTheKernels).Wait());
-}
-
-TEST(Fork, IsPossibleWhenTheLibraryHasBeenDetached) {
-    DllMain(nullptr, platform::kProcessDetach, nullptr);
-    EXPECT_EQ(0, ForkedChild([] { return 0; }).Wait());
-    DllMain(nullptr, platform::kProcessAttach, nullptr);
-    EXPECT_EQ(0, ForkedChild([] { return 0; }).Wait());
-}
-
-// The child has no such thread, but finds the memory as that one left it.
-TEST(Fork, ChildBesideABusyThreadComesToItsEnd) {
-    static std::atomic<int> s_rounds{0};
-    std::thread([] {
-        static const int kModule = 0;
-        for (;; ++s_rounds) {
-            QXModuleSetInitialized(&kModule, 1);
-            QXModuleSetInitialized(&kModule, 0);
-        }
-    }).detach();
-    while (s_rounds < 3) {
-        std::this_thread::yield();
-    }
-    for (int round = 0; round < 15; ++round) {
-        ForkedChild child([] { return 0; }, ChildEnd::kThroughExitHandlers);
-        ASSERT_EQ(0, child.Wait()) << round;
-    }
-}
-
 using HandlerFork = Registry;
 
 volatile sig_atomic_t s_isChild = 0;
@@ -83,6 +51,38 @@ TEST_F(HandlerFork, LeavesTheStoreWholeOnBothSides) {
     }
     EXPECT_EQ(s_failures, 0);
     EXPECT_EQ(s_forks, kRounds);
+}
+
+TEST(Fork, ThreadIdIsTheKernelsAlsoInTheChild) {
+    const auto isTheKernels = [] { return u32(gettid()) == platform::GetCurrentThreadId(); };
+    EXPECT_TRUE(isTheKernels());
+    EXPECT_EQ(1, ForkedChild(isTheKernels).Wait());
+}
+
+TEST(Fork, IsPossibleWhenTheLibraryHasBeenDetached) {
+    DllMain(nullptr, platform::kProcessDetach, nullptr);
+    EXPECT_EQ(0, ForkedChild([] { return 0; }).Wait());
+    DllMain(nullptr, platform::kProcessAttach, nullptr);
+    EXPECT_EQ(0, ForkedChild([] { return 0; }).Wait());
+}
+
+// The child has no such thread, but finds the memory as that one left it.
+TEST(Fork, ChildBesideABusyThreadComesToItsEnd) {
+    static std::atomic<int> s_rounds{0};
+    std::thread([] {
+        static const int kModule = 0;
+        for (;; ++s_rounds) {
+            QXModuleSetInitialized(&kModule, 1);
+            QXModuleSetInitialized(&kModule, 0);
+        }
+    }).detach();
+    while (s_rounds < 3) {
+        std::this_thread::yield();
+    }
+    for (int round = 0; round < 15; ++round) {
+        ForkedChild child([] { return 0; }, ChildEnd::kThroughExitHandlers);
+        ASSERT_EQ(0, child.Wait()) << round;
+    }
 }
 
 }  // namespace
