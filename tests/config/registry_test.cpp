@@ -56,70 +56,34 @@ TEST_F(Registry, TellsEachFailureByItsCode) {
     EXPECT_EQ(SubkeysOf(u""), (std::vector<std::u16string>{u"key"}));
 }
 
-TEST_F(Registry, KeepsEachViewOfEachRootApart) {
-    if (!kOwnRegistryHasViews) {
-        GTEST_SKIP();
-    }
-    for (int32_t root = 0; root < 5; ++root) {
-        ASSERT_EQ(
-            SetText(u"Key", u"name", std::u16string(1, static_cast<char16_t>(u'0' + root)), root),
-            0);
-    }
-    for (int32_t root = 0; root < 5; ++root) {
-        EXPECT_EQ(Text(u"Key", u"name", root),
-                  std::u16string(1, static_cast<char16_t>(u'0' + root)));
-    }
-    EXPECT_EQ(QXRegistryDeleteKey(0, u"Key"), 0);
-    EXPECT_EQ(Exists(0, u"Key", u"name"), kNotFound);
-    EXPECT_EQ(Exists(3, u"Key", u"name"), QX_S_OK);
-}
-
 TEST_F(Registry, ReadsEachTypeByNameAndInAnEnumeration) {
-    constexpr uint32_t kUntouched = 77;
     const struct {
         uint32_t written;
-        uint32_t byName;
+        uint32_t read;
     } rows[] = {{0, 0}, {1, 1}, {3, 3}, {4, 0}, {5, 5}};
+    char data[8];
     for (const auto& row : rows) {
         const char16_t name[] = {static_cast<char16_t>(u'a' + row.written), 0};
         ASSERT_EQ(QXRegistrySetValue(QX_HKEY_USER, u"k", name, row.written, u"ab\0", 8), 0);
-        uint32_t type = kUntouched;
-        char data[8];
+        uint32_t type = 99;
         uint32_t length = sizeof data;
         EXPECT_EQ(QXRegistryGetValue(QX_HKEY_USER, u"k", name, &type, data, &length), 0);
-        EXPECT_EQ(type, row.byName);
+        EXPECT_EQ(type, row.read);
         EXPECT_EQ(length, 8u);
     }
     QXHandle values;
     ASSERT_EQ(QXRegistryOpenValueEnum(QX_HKEY_USER, u"k", &values), 0);
     for (const auto& row : rows) {
         char16_t name[2];
-        uint32_t nameLength = 2;
-        uint32_t type = kUntouched;
+        uint32_t units = 2;
+        uint32_t type = 99;
         uint32_t length = 0;
-        EXPECT_EQ(QXRegistryEnumNextValue(values, name, &nameLength, &type, nullptr, &length), 0);
+        EXPECT_EQ(QXRegistryEnumNextValue(values, name, &units, &type, nullptr, &length), 0);
         EXPECT_EQ(name[0], u'a' + row.written) << "in the order of setting";
-        EXPECT_EQ(type, row.byName);
+        EXPECT_EQ(type, row.read);
         EXPECT_EQ(length, 8u);
     }
     QXRegistryCloseEnum(values);
-}
-
-TEST_F(Registry, StoresExactlyTheBytesThatAreCounted) {
-    const std::string bytes(
-        "\0\xFF"
-        "odd",
-        5);
-    ASSERT_EQ(QXRegistrySetValue(QX_HKEY_USER, u"k", u"", QX_REG_BINARY, bytes.data(), 5), 0);
-    ASSERT_EQ(QXRegistrySetValue(QX_HKEY_USER, u"k", u"empty", QX_REG_STRING, nullptr, 0), 0);
-    uint32_t length = 0;
-    EXPECT_EQ(QXRegistryGetValue(QX_HKEY_USER, u"k", u"", nullptr, nullptr, &length), 0);
-    EXPECT_EQ(length, 5u);
-    char data[6] = "#####";
-    EXPECT_EQ(QXRegistryGetValue(QX_HKEY_USER, u"k", nullptr, nullptr, data, &length), 0);
-    EXPECT_EQ(std::string(data, 6), bytes + '\0') << "nothing behind the stored bytes";
-    EXPECT_EQ(QXRegistryGetValue(QX_HKEY_USER, u"k", u"empty", nullptr, data, &length), 0);
-    EXPECT_EQ(length, 0u);
 }
 
 TEST_F(Registry, ExpandsWhatTheEnvironmentKnows) {
@@ -130,11 +94,9 @@ TEST_F(Registry, ExpandsWhatTheEnvironmentKnows) {
         const char16_t* expanded;
     } rows[] = {
         {u"", u""},
-        {u"plain", u"plain"},
         {u"a%QX_T%b%QX_T%", u"av\u00E4\U0001F600bv\u00E4\U0001F600"},
         {u"%QX_NONE%", u"%QX_NONE%"},
-        {u"100%", u"100%"},
-        {u"%%", u"%%"},
+        {u"%% 100%", u"%% 100%"},
         {u"%QX_NONE%QX_T%",
          UnknownVariableTakesItsEnd() ? u"%QX_NONE%QX_T%" : u"%QX_NONEv\u00E4\U0001F600"},
         {u"%QX_\u00C4%", u"umlaut"},
@@ -147,29 +109,27 @@ TEST_F(Registry, ExpandsWhatTheEnvironmentKnows) {
 }
 
 TEST_F(Registry, ExpansionKeepsToTheBuffer) {
-    SetEnvironment("QX_T", "long");
     // Without a terminator, and half a unit behind it: the text ends where it was stored.
-    const std::u16string stored = u"%QX_T%";
     ASSERT_EQ(QXRegistrySetValue(QX_HKEY_USER, u"k", u"v", QX_REG_EXPAND_STRING, u"%QX_T%x", 13),
               0);
-    const std::vector<char16_t> raw(stored.begin(), stored.end());
-    for (const uint32_t units : {7u, 8u}) {
-        std::vector<char16_t> data(units, u'#');
-        uint32_t type = 99;
-        uint32_t length = 2 * units;
-        EXPECT_EQ(QXRegistryGetValue(QX_HKEY_USER, u"k", u"v", &type, data.data(), &length), 0);
-        EXPECT_EQ(std::u16string(data.data()), u"long");
-        EXPECT_EQ(length, 13u);
-    }
-    SetEnvironment("QX_T", "too long");
-    std::vector<char16_t> data(7, u'#');
     uint32_t type = 99;
-    uint32_t length = 14;
-    EXPECT_EQ(QXRegistryGetValue(QX_HKEY_USER, u"k", u"v", &type, data.data(), &length), QX_E_FAIL);
-    EXPECT_EQ(type, QX_REG_STRING);
-    EXPECT_EQ(length, 13u);
-    EXPECT_EQ(std::memcmp(data.data(), stored.data(), 12), 0) << "the raw text stays";
-    EXPECT_EQ(QXRegistryGetValue(QX_HKEY_USER, u"k", u"v", nullptr, data.data(), &length), 0);
+    uint32_t length;
+    char16_t data[8];
+    for (const uint32_t units : {7u, 8u}) {
+        SetEnvironment("QX_T", "long");
+        std::fill_n(data, 8, u'#');
+        length = 2 * units;
+        EXPECT_EQ(QXRegistryGetValue(QX_HKEY_USER, u"k", u"v", &type, data, &length), 0);
+        EXPECT_EQ(std::u16string(data), u"long");
+        EXPECT_EQ(length, 13u);
+        SetEnvironment("QX_T", "too long");
+        EXPECT_EQ(QXRegistryGetValue(QX_HKEY_USER, u"k", u"v", &type, data, &(length = 14)),
+                  QX_E_FAIL);
+        EXPECT_EQ(type, QX_REG_STRING);
+        EXPECT_EQ(length, 13u);
+        EXPECT_EQ(std::memcmp(data, u"%QX_T%", 12), 0) << "the raw text stays";
+    }
+    EXPECT_EQ(QXRegistryGetValue(QX_HKEY_USER, u"k", u"v", nullptr, data, &length), 0);
     // Without data there is nothing to expand, and nothing is allocated for it.
     const auto allocations = [](uint32_t* typeOrNull) {
         return ForEachFailingAllocation([typeOrNull] {
@@ -183,10 +143,8 @@ TEST_F(Registry, ExpansionKeepsToTheBuffer) {
 
 TEST_F(Registry, NamesMayHoldAnyUnit) {
     const char16_t* const names[] = {
-        u"a",      u"ab",     u"a/b",          u"%",      u"_",       u"a'b\"c", u"*?[]",
-        u";--",    u" ",      u"\u00E4\u0436", u"\xD800", u"\xDC00x", u"\u00DF", u"i",
-        u"\u0131", u"\u03C3", u"\u03C2",       u"\xFFFF",
-    };
+        u"a/b",    u"%",       u"_", u"a'b\"c", u"*?[]",   u";--",    u" ",      u"\u00E4\u0436",
+        u"\xD800", u"\xDC00x", u"i", u"\u0131", u"\u03C3", u"\u03C2", u"\xFFFF", u"a"};
     for (const char16_t* name : names) {
         ASSERT_EQ(SetText(name, name, name), 0);
     }

@@ -2,10 +2,7 @@
 #include <gtest/gtest.h>
 #include <netdb.h>
 #include <netinet/in.h>
-#include <pwd.h>
 #include <qxcore/host.h>
-#include <qxcore/system.h>
-#include <unistd.h>
 
 #include <cstdlib>
 #include <cstring>
@@ -89,28 +86,6 @@ TEST(Resolver, NamesCountByTheirFirst1025Bytes) {
     const size_t asked = g_asked.size();
     EXPECT_EQ(QXIsThisMyComputerA((longest + "z").c_str()), 0);
     EXPECT_EQ(g_asked.size(), asked);
-}
-
-TEST(SystemUser, IsNeverTakenFromTheEnvironment) {
-    setenv("USER", "somebody", 1);
-    setenv("LOGNAME", "somebody", 1);
-    wchar name[300];
-    ASSERT_EQ(QXGetUserName(name, 300), QX_S_OK);
-    const passwd* const entry = getpwuid(geteuid());
-    const std::string expected = entry != nullptr ? entry->pw_name : std::to_string(geteuid());
-    EXPECT_EQ(std::u16string(name), std::u16string(expected.begin(), expected.end()));
-}
-
-TEST(SystemUser, WithoutAPasswordEntryIsTheNumber) {
-    if (geteuid() != 0) {
-        GTEST_SKIP() << "needs root to become a user that nobody is";
-    }
-    ASSERT_EQ(seteuid(123456789), 0);
-    wchar name[300];
-    const QXResult result = QXGetUserName(name, 300);
-    ASSERT_EQ(seteuid(0), 0);
-    ASSERT_EQ(result, QX_S_OK);
-    EXPECT_EQ(std::u16string(name), u"123456789");
 }
 
 }  // namespace

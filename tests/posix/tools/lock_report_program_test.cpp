@@ -27,13 +27,9 @@ TEST(LockReportProgram, ExitStatusTellsWhatHappened) {
         {"--help > help", 0, nullptr},
         {"missing", 1, nullptr},
         {"other", 1, nullptr},
-        {".", 1, nullptr},
         {"-o /dev/full report.csv", 1, nullptr},
-        {"-o missing/page report.csv", 1, nullptr},
         {"", 2, nullptr},
-        {"-o", 2, nullptr},
         {"--unknown report.csv", 2, nullptr},
-        {"report.csv report.csv", 2, nullptr},
     };
     for (const Row& row : kRows) {
         const std::string command = "cd '" + directory.Path().string() + "' && " QXLOCKREPORT " " +

@@ -1,11 +1,8 @@
-// qxreg's backup of a whole store, and what it shows on a terminal.
+// qxreg's backup of a whole store.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <qxcore.h>
-#include <stdlib.h>
 #include <unistd.h>
-
-#include <cstring>
 
 #include "support/child_role.h"
 #include "support/system.h"
@@ -111,28 +108,6 @@ TEST(QxregStore, NoNumberOfAKeyIsGivenAgainByARestore) {
     uint32_t size = 0;
     EXPECT_EQ(QX_E_FAIL, QXRegistryEnumNextValue(values, name, &units, &type, nullptr, &size));
     QXRegistryCloseEnum(values);
-}
-
-TEST(QxregProgress, ShowsOnATerminalOnly) {
-    const OwnRegistry registry;
-    const std::string folder = registry.Folder();
-    std::string text = "Windows Registry Editor Version 5.00\n[HKEY_CURRENT_USER\\Long]\n";
-    for (int i = 0; i < 1200; ++i) {
-        text += '"' + std::to_string(i) + "\"=dword:1\n";
-    }
-    WriteFile(folder + "/long.reg", text);
-    const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY);
-    ASSERT_TRUE(terminal >= 0 && ::grantpt(terminal) == 0 && ::unlockpt(terminal) == 0);
-    const int screen = ::open(::ptsname(terminal), O_RDWR | O_NOCTTY);
-    const std::string import = QXREG " import '" + folder + "/long.reg' 2>";
-    ASSERT_EQ(0, std::system((import + "'" + ::ptsname(terminal) + "'").c_str()));
-    char shown[1000] = "";
-    ASSERT_LT(0, ::read(terminal, shown, sizeof shown - 1));
-    EXPECT_NE(nullptr, std::strstr(shown, "500 of 1200"));
-    ::close(screen);
-    ::close(terminal);
-    ASSERT_EQ(0, std::system((import + "'" + folder + "/quiet'").c_str()));
-    EXPECT_TRUE(std::filesystem::is_empty(folder + "/quiet"));
 }
 
 }  // namespace
