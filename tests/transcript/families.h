@@ -1,54 +1,47 @@
-// The families of calls that a transcript is made of. A new family is a file <family>_calls.cpp and
-// a row in families.cpp.
+// The families of calls that a transcript is made of. A new family is a file <family>_calls.cpp, a
+// line here and one in transcript.cpp.
 #ifndef TESTS_TRANSCRIPT_FAMILIES_H
 #define TESTS_TRANSCRIPT_FAMILIES_H
 
 #include <functional>
-#include <memory>
-#include <span>
 #include <string>
 #include <vector>
 
 #include "transcript/line.h"
 #include "transcript/random.h"
 
-// Makes one call, with arguments drawn at random, and prints what it gives.
-using MakeCall = std::function<void(Random& random, Line& line)>;
-
 struct Call {
     const char* name;
-    MakeCall make;
+
+    // Makes one call, with arguments drawn at random, and prints what it gives.
+    std::function<void(Random& random, Line& line)> make;
     uint32_t weight = 1;  // how often it is drawn beside the others
 };
 
-struct Family {
-    const char* name;
+// Those of one list work on common objects, which end with the list.
+using Calls = std::vector<Call>;
+Calls ClassCalls();
+Calls ConverterCalls();
+Calls FileCalls();
+Calls HostCalls();
+Calls LineFileCalls();
+Calls MemoryCalls();
+Calls NumberCalls();
+Calls OptionCalls();
+Calls RegistryCalls();
+Calls SharedMemoryCalls();
+Calls TextCalls();
+Calls TransformCalls();
+Calls WaitingCalls();
+Calls WordCalls();
 
-    // The kinds of calls. Those of one list work on common objects, which end with the list.
-    std::vector<Call> (*calls)();
+// What needs no drawing.
+void PrintConverters();
+void PrintSystem();
+void PrintTextCase();
+void PrintWords();
 
-    // Prints what needs no drawing. May be null.
-    void (*fixed)();
-};
-
-std::span<const Family> Families();
-
-// The component library that class lookups may use, wide text; empty if there is none.
+// The component library that class lookups may use; empty if there is none.
 extern std::u16string componentLibrary;
-
-// A call that is a member function of the objects that a list works on.
-template <typename Objects>
-MakeCall Member(const std::shared_ptr<Objects>& objects,
-                void (Objects::*make)(Random& random, Line& line)) {
-    return [objects, make](Random& random, Line& line) { (objects.get()->*make)(random, line); };
-}
-
-// Objects that end with the list that works on them.
-class Unshared {
-  public:
-    Unshared() = default;
-    Unshared(const Unshared&) = delete;
-    Unshared& operator=(const Unshared&) = delete;
-};
 
 #endif

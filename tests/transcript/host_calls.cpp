@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "transcript/allowances.h"
-#include "transcript/call_lists.h"
+#include "transcript/families.h"
 #include "transcript/values.h"
 
 namespace {
@@ -79,7 +79,7 @@ void Name(QXResult (*get)(Unit*, uint32_t), Random& random, Line& line) {
 
 }  // namespace
 
-std::vector<Call> HostCalls() {
+Calls HostCalls() {
     return {
         {"QXCompareAddressInformation", Compare, 3},
         {"QXIsThisMyComputer", IsThisMyComputer, 3},

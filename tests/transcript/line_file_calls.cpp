@@ -1,11 +1,9 @@
 #include <qxcore/line_file.h>
 
-#include <algorithm>
-#include <fstream>
-#include <iterator>
+#include <memory>
 
 #include "support/temporary_directory.h"
-#include "transcript/call_lists.h"
+#include "transcript/families.h"
 #include "transcript/values.h"
 
 namespace {
@@ -23,8 +21,7 @@ class LineFile {
             line.Add("text", text).Add("units", QXFileWriteLineUTF16(text.c_str(), file));
         }
         QXFileCloseUTF16(file);
-        std::ifstream stream(m_directory.Path() / "lines", std::ios::binary);
-        const std::string bytes{std::istreambuf_iterator<char>(stream), {}};
+        const std::string bytes = ReadFile(Path());
         line.Bytes("bytes", bytes.data(), bytes.size());
     }
     // Puts any units into the file, with a mark of either order or none, also cut in one.
@@ -43,7 +40,7 @@ class LineFile {
             bytes += static_cast<char>(swaps ? unit >> 8 : unit);
         }
         bytes.resize(bytes.size() - std::min<size_t>(bytes.size(), random.OneIn(5)));
-        std::ofstream(m_directory.Path() / "lines", std::ios::binary) << bytes;
+        WriteFile(Path(), bytes);
         line.Add("text", text).Add("swaps", swaps).Add("bytes", bytes.size());
     }
     void Read(Random& random, Line& line) {
@@ -52,8 +49,8 @@ class LineFile {
         UFILE* const file = QXFileOpenUTF16(Path().c_str(), "r");
         line.Add("size", size).Handle("file", file);
         Buffer<wchar> buffer(static_cast<size_t>(size));
-        while (file != nullptr && QXFileGetLineUTF16(buffer.Begin(), size, file) != nullptr) {
-            line.Add("line", std::u16string_view(buffer.Begin()));
+        while (file != nullptr && QXFileGetLineUTF16(buffer.Get(), size, file) != nullptr) {
+            line.Add("line", std::u16string_view(buffer.Get()));
         }
         QXFileCloseUTF16(file);
     }
@@ -66,11 +63,11 @@ class LineFile {
 
 }  // namespace
 
-std::vector<Call> LineFileCalls() {
+Calls LineFileCalls() {
     const auto file = std::make_shared<LineFile>();
     return {
-        {"QXFileWriteLineUTF16", Member(file, &LineFile::Write), 2},
-        {"units of a file", Member(file, &LineFile::Put), 2},
-        {"QXFileGetLineUTF16", Member(file, &LineFile::Read), 4},
+        {"QXFileWriteLineUTF16", [=](auto& random, auto& line) { file->Write(random, line); }, 2},
+        {"units of a file", [=](auto& random, auto& line) { file->Put(random, line); }, 2},
+        {"QXFileGetLineUTF16", [=](auto& random, auto& line) { file->Read(random, line); }, 4},
     };
 }

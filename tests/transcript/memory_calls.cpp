@@ -1,143 +1,130 @@
 #include <qxcore/component.h>
 #include <qxcore/memory.h>
 
-#include <cstring>
-
-#include "transcript/call_lists.h"
+#include "transcript/calls.h"
 
 namespace {
 
 constexpr size_t kTooMuch = SIZE_MAX / 16;
 
-// A block and what the transcript wrote to it.
+// A block, and how many of its bytes are known.
 struct Block {
     void* memory = nullptr;
     size_t size = 0;
+
+    // Bytes that were not known before are set.
+    void Fill(size_t bytes) {
+        if (memory != nullptr && bytes > size) {
+            std::memset(static_cast<char*>(memory) + size, static_cast<int>('a' + bytes % 26),
+                        bytes - size);
+        }
+        Know(bytes);
+    }
+    void Know(size_t bytes) { size = memory != nullptr ? bytes : 0; }
 };
 
-// Known bytes from the beginning on.
-void Fill(Block* block, size_t size) {
-    block->size = block->memory != nullptr ? size : 0;
-    if (block->size > 0) {
-        std::memset(block->memory, static_cast<int>('a' + size % 26), size);
+struct BlockInUse {
+    Block* block;
+    Block* Get() const { return block; }
+    void Show(Line& line, const char* what) const {
+        line.Handle(what, block->memory).Bytes("bytes", block->memory, block->size);
     }
-}
+};
 
-void ShowBytes(const Block& block, size_t size, Line& line) {
-    line.Bytes("bytes", block.memory, block.memory != nullptr ? size : 0);
-}
-
-// Blocks of the heap or of component memory, by their functions.
+// What is too much for the heap is no size of component memory.
 template <typename Size>
-class Blocks : public Unshared {
-  public:
+Size AnySize(Random& random) {
+    const bool tooMuch = sizeof(Size) == sizeof kTooMuch && random.OneIn(10);
+    return static_cast<Size>(tooMuch ? kTooMuch : random.Below(40));
+}
+
+size_t Count(Random& random) {
+    return random.OneIn(10) ? kTooMuch : random.Below(8);
+}
+
+// Blocks of the heap or of component memory, and the functions of either.
+template <typename Size>
+struct Blocks {
     using Allocate = QXResult (*)(Size, void**);
     using Resize = QXResult (*)(void**, Size);
 
-    Blocks(Allocate allocate, Resize resize, QXResult (*release)(void*))
-        : m_allocate(allocate), m_resize(resize), m_release(release) {}
+    Blocks(Allocate allocateOne, Resize resizeOne, QXResult (*releaseOne)(void*))
+        : allocate(allocateOne), resize(resizeOne), release(releaseOne) {}
     ~Blocks() {
-        for (const Block& block : m_blocks) {
-            m_release(block.memory);
+        for (Block& block : blocks) {
+            Free(&block);
         }
     }
 
-    void Malloc(Random& random, Line& line) {
-        Block* const block = Vacant(random, line);
-        const Size size = AnySize(random);
-        line.Add("size", size).Result(m_allocate(size, &block->memory));
-        line.Handle("memory", block->memory);
-        Fill(block, size);
+    QXResult Free(Block* block) { return release(std::exchange(*block, Block()).memory); }
+    QXResult Malloc(Block* block, Size size) {
+        Free(block);
+        const QXResult result = allocate(size, &block->memory);
+        block->Fill(size);
+        return result;
     }
-
-    void Calloc(Random& random, Line& line) {
-        Block* const block = Vacant(random, line);
-        const size_t count = random.OneIn(10) ? kTooMuch : random.Below(8);
-        const size_t size = random.Below(8);
-        line.Add("count", count).Add("size", size).Result(QXCalloc(count, size, &block->memory));
-        line.Handle("memory", block->memory);
-        block->size = block->memory != nullptr ? count * size : 0;
-        ShowBytes(*block, block->size, line);
-    }
-
-    void Realloc(Random& random, Line& line) {
-        Block* const block = Any(random, line);
-        const Size size = AnySize(random);
-        const QXResult result = m_resize(&block->memory, size);
-        line.Add("size", size).Result(result).Handle("memory", block->memory);
+    QXResult Realloc(Block* block, Size size) {
+        const QXResult result = resize(&block->memory, size);
         if (QX_SUCCEEDED(result)) {
-            ShowBytes(*block, std::min<size_t>(size, block->size), line);
-            Fill(block, size);
+            block->Fill(size);
         }
+        return result;
     }
 
-    void Recalloc(Random& random, Line& line) {
-        Block* const block = Any(random, line);
-        const size_t size = AnySize(random);
-        const bool frees = size == 0 && block->memory != nullptr;
-        const QXResult result = QXRecalloc(&block->memory, size);
-        line.Add("size", size).Result(result);
-        if (frees) {
-            *block = {};  // the pointer was left as it was
-        } else if (QX_SUCCEEDED(result)) {
-            block->size = size;
-            ShowBytes(*block, size, line);
-        }
-    }
-
-    void SizeOf(Random& random, Line& line) {
-        line.Add("->", QXMallocSize(Any(random, line)->memory));
-    }
-
-    void Free(Random& random, Line& line) {
-        Block* const block = Any(random, line);
-        line.Result(m_release(block->memory));
-        *block = {};
-    }
-
-  private:
-    Block* Any(Random& random, Line& line) {
-        const uint32_t index = random.Below(std::size(m_blocks));
-        line.Add("block", index);
-        return &m_blocks[index];
-    }
-
-    // A place for a new block.
-    Block* Vacant(Random& random, Line& line) {
-        Block* const block = Any(random, line);
-        m_release(block->memory);
-        *block = {};
-        return block;
-    }
-
-    // What is too much for the heap is no size of component memory.
-    static Size AnySize(Random& random) {
-        const bool tooMuch = sizeof(Size) == sizeof kTooMuch && random.OneIn(10);
-        return static_cast<Size>(tooMuch ? kTooMuch : random.Below(40));
-    }
-
-    const Allocate m_allocate;
-    const Resize m_resize;
-    QXResult (*const m_release)(void*);
-    Block m_blocks[4];
+    const Allocate allocate;
+    const Resize resize;
+    QXResult (*const release)(void*);
+    Block blocks[4];
 };
+
+QXResult Calloc(Block* block, size_t count, size_t size) {
+    QXFree(block->memory);
+    const QXResult result = QXCalloc(count, size, &block->memory);
+    block->Know(count * size);
+    return result;
+}
+
+QXResult Recalloc(Block* block, size_t size) {
+    const bool frees = size == 0 && block->memory != nullptr;
+    const QXResult result = QXRecalloc(&block->memory, size);
+    if (frees) {
+        *block = {};  // the pointer was left as it was
+    } else if (QX_SUCCEEDED(result)) {
+        block->Know(size);
+    }
+    return result;
+}
+
+template <typename Size>
+auto AnyBlock(std::shared_ptr<Blocks<Size>> blocks) {
+    return [=](Random& random) { return BlockInUse{&blocks->blocks[random.Below(4)]}; };
+}
+
+// A call of a member that works on any of the blocks.
+template <typename Size, typename... Rest, typename... Kinds>
+auto On(std::shared_ptr<Blocks<Size>> blocks, QXResult (Blocks<Size>::*make)(Block*, Rest...),
+        Kinds... kinds) {
+    return Row([=](Block* block, Rest... rest) { return ((*blocks).*make)(block, rest...); },
+               AnyBlock(blocks), kinds...);
+}
 
 }  // namespace
 
-std::vector<Call> MemoryCalls() {
+Calls MemoryCalls() {
     using Heap = Blocks<size_t>;
     using Component = Blocks<uint32_t>;
     const auto heap = std::make_shared<Heap>(QXMalloc, QXRealloc, QXFree);
     const auto component = std::make_shared<Component>(QXComMalloc, QXComRealloc, QXComFree);
+    const auto sizeOf = [](Block* block) { return QXMallocSize(block->memory); };
     return {
-        {"QXMalloc", Member(heap, &Heap::Malloc)},
-        {"QXCalloc", Member(heap, &Heap::Calloc)},
-        {"QXRealloc", Member(heap, &Heap::Realloc)},
-        {"QXRecalloc", Member(heap, &Heap::Recalloc)},
-        {"QXMallocSize", Member(heap, &Heap::SizeOf)},
-        {"QXFree", Member(heap, &Heap::Free)},
-        {"QXComMalloc", Member(component, &Component::Malloc)},
-        {"QXComRealloc", Member(component, &Component::Realloc)},
-        {"QXComFree", Member(component, &Component::Free)},
+        {"QXMalloc", On(heap, &Heap::Malloc, AnySize<size_t>)},
+        {"QXCalloc", Row(Calloc, AnyBlock(heap), Count, Within<0, 7>)},
+        {"QXRealloc", On(heap, &Heap::Realloc, AnySize<size_t>)},
+        {"QXRecalloc", Row(Recalloc, AnyBlock(heap), AnySize<size_t>)},
+        {"QXMallocSize", Row(sizeOf, AnyBlock(heap))},
+        {"QXFree", On(heap, &Heap::Free)},
+        {"QXComMalloc", On(component, &Component::Malloc, AnySize<uint32_t>)},
+        {"QXComRealloc", On(component, &Component::Realloc, AnySize<uint32_t>)},
+        {"QXComFree", On(component, &Component::Free)},
     };
 }

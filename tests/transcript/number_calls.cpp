@@ -1,7 +1,6 @@
 #include <qxcore/string.h>
 
 #include "transcript/allowances.h"
-#include "transcript/call_lists.h"
 #include "transcript/calls.h"
 
 namespace {
@@ -29,60 +28,33 @@ std::basic_string<Unit> FloatIn(Random& random) {
     return {text.begin(), text.end()};
 }
 
-int32_t Radix(Random& random) {
-    constexpr int32_t kRadixes[] = {0, 0, 2, 8, 10, 10, 16, 16, 36, 3, 1, 37, -1};
-    return random.Of(kRadixes);
-}
+constexpr int32_t kRadixes[] = {0, 0, 2, 8, 10, 10, 16, 16, 36, 3, 1, 37, -1};
+constexpr auto kRadix = AnyOf<kRadixes>;
 
 int32_t WrittenRadix(Random& random) {
-    return random.OneIn(8) ? Radix(random) : static_cast<int32_t>(random.Between(2, 36));
-}
-
-// What a reader gives: the number, and how many units it took.
-template <typename Number>
-struct Reading {
-    Number number;
-    std::ptrdiff_t length;
-};
-
-template <auto kRead, typename Unit>
-auto Read(const Unit* text, int32_t radix) {
-    Unit* end = nullptr;
-    const auto number = kRead(text, &end, radix);
-    return Reading<decltype(number)>{number, end - text};
+    return random.OneIn(8) ? kRadix(random) : static_cast<int32_t>(random.Between(2, 36));
 }
 
 template <auto kRead, typename Unit>
-auto ReadFloat(const Unit* text) {
-    Unit* end = nullptr;
-    const double number = allowance::NoNumberHasAnyBits(kRead(text, &end));
+double ReadFloat(const Unit* text, Unit** end) {
+    const double number = allowance::NoNumberHasAnyBits(kRead(text, end));
     errno = allowance::UnderflowMayBeNoError(number, errno);
-    return Reading<double>{allowance::ZeroOfNothingHasAnySign(number, end == text), end - text};
+    return allowance::ZeroOfNothingHasAnySign(number, *end == text);
 }
 
 }  // namespace
 
-std::vector<Call> NumberCalls() {
+Calls NumberCalls() {
     return {
-        {"QXStrToIA", Row<kAndErrno>(QXStrToIA, NumberIn<char>)},
-        {"QXStrToIW", Row<kAndErrno>(QXStrToIW, NumberIn<wchar>)},
-        {"QXStrToI64W", Row<kAndErrno>(QXStrToI64W, NumberIn<wchar>)},
-        {"QXStrToLA", Row<kAndErrno>(Read<QXStrToLA, char>, NumberIn<char>, Radix)},
-        {"QXStrToLW", Row<kAndErrno>(Read<QXStrToLW, wchar>, NumberIn<wchar>, Radix)},
-        {"QXStrToULA", Row<kAndErrno>(Read<QXStrToULA, char>, NumberIn<char>, Radix)},
-        {"QXStrToULW", Row<kAndErrno>(Read<QXStrToULW, wchar>, NumberIn<wchar>, Radix)},
-        {"QXStrToLLA", Row<kAndErrno>(Read<QXStrToLLA, char>, NumberIn<char>, Radix)},
-        {"QXStrToLLW", Row<kAndErrno>(Read<QXStrToLLW, wchar>, NumberIn<wchar>, Radix)},
-        {"QXStrToULLA", Row<kAndErrno>(Read<QXStrToULLA, char>, NumberIn<char>, Radix)},
-        {"QXStrToDA", Row<kAndErrno>(ReadFloat<QXStrToDA, char>, FloatIn<char>)},
-        {"QXStrToDW", Row<kAndErrno>(ReadFloat<QXStrToDW, wchar>, FloatIn<wchar>)},
-        {"QXLToStrA",
-         Row<kAndErrno>(QXLToStrA, AnyNumber<int32_t>, RoomFor<char, 66>, WrittenRadix)},
-        {"QXLToStrW",
-         Row<kAndErrno>(QXLToStrW, AnyNumber<int32_t>, RoomFor<wchar, 66>, WrittenRadix)},
-        {"QXInt64ToStrA",
-         Row<kAndErrno>(QXInt64ToStrA, AnyNumber<int64_t>, RoomFor<char, 66>, WrittenRadix)},
-        {"QXInt64ToStrW",
-         Row<kAndErrno>(QXInt64ToStrW, AnyNumber<int64_t>, RoomFor<wchar, 66>, WrittenRadix)},
+        CALLS_A_W(kAndErrno, QXStrToI, NumberIn<Unit>),
+        CALL_WIDE(kAndErrno, QXStrToI64W, NumberIn<Unit>),
+        CALLS_A_W(kAndErrno, QXStrToL, NumberIn<Unit>, End<Unit>, kRadix),
+        CALLS_A_W(kAndErrno, QXStrToUL, NumberIn<Unit>, End<Unit>, kRadix),
+        CALLS_A_W(kAndErrno, QXStrToLL, NumberIn<Unit>, End<Unit>, kRadix),
+        {"QXStrToULLA", Row<kAndErrno>(QXStrToULLA, NumberIn<char>, End<char>, kRadix)},
+        {"QXStrToDA", Row<kAndErrno>(ReadFloat<QXStrToDA, char>, FloatIn<char>, End<char>)},
+        {"QXStrToDW", Row<kAndErrno>(ReadFloat<QXStrToDW, wchar>, FloatIn<wchar>, End<wchar>)},
+        CALLS_A_W(kAndErrno, QXLToStr, AnyNumber<int32_t>, RoomFor<Unit, 66>, WrittenRadix),
+        CALLS_A_W(kAndErrno, QXInt64ToStr, AnyNumber<int64_t>, RoomFor<Unit, 66>, WrittenRadix),
     };
 }

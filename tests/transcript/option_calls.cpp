@@ -1,6 +1,6 @@
 #include <qxcore/option.h>
 
-#include "transcript/call_lists.h"
+#include "transcript/families.h"
 #include "transcript/values.h"
 
 namespace {
@@ -47,6 +47,6 @@ void Scan(Random& random, Line& line) {
 
 }  // namespace
 
-std::vector<Call> OptionCalls() {
+Calls OptionCalls() {
     return {{"QXGetOption", Scan}};
 }

@@ -1,99 +1,59 @@
 #include <qxcore/shared_mem.h>
 
+#include <array>
 #include <random>
-#include <utility>
 
 #include "transcript/allowances.h"
-#include "transcript/call_lists.h"
+#include "transcript/calls.h"
 
 namespace {
 
+constexpr uint32_t kFlags[] = {0,
+                               QX_FILE_READ,
+                               QX_FILE_WRITE,
+                               QX_FILE_CREATE,
+                               QX_FILE_EXCLUSIVE,
+                               QX_FILE_CREATE | QX_FILE_EXCLUSIVE,
+                               QX_FILE_READ | QX_FILE_WRITE | QX_FILE_CREATE};
+constexpr uint32_t kViewFlags[] = {QX_FILE_READ, QX_FILE_WRITE, QX_FILE_READ | QX_FILE_WRITE};
+constexpr uint32_t kSizes[] = {0, 1, 4096, 70000};
+
 // Two handles of one name, and a view, which come and go; the name is this list's own.
-class SharedMemory : public Unshared {
-  public:
-    ~SharedMemory() {
-        Detach();
-        for (QXHandle& mapping : m_mappings) {
-            CloseMapping(mapping);
-        }
-    }
-
-    void OpenMapping(Random& random, Line& line) {
-        constexpr uint32_t kFlags[] = {0,
-                                       QX_FILE_READ,
-                                       QX_FILE_WRITE,
-                                       QX_FILE_CREATE,
-                                       QX_FILE_EXCLUSIVE,
-                                       QX_FILE_CREATE | QX_FILE_EXCLUSIVE,
-                                       QX_FILE_READ | QX_FILE_WRITE | QX_FILE_CREATE};
-        constexpr uint32_t kSizes[] = {0, 1, 4096, 70000};
-        QXHandle& mapping = m_mappings[random.Below(2)];
-        CloseMapping(mapping);
-        if (allowance::kNameGoesWithTheLastHandle && !HasMapping()) {
-            Detach();
-        }
-        const uint32_t flags = random.Of(kFlags);
-        const uint32_t size = random.Of(kSizes);
-        const QXResult result = QXSharedMemOpen(m_name.c_str(), flags, 0, size, &mapping);
-        line.Hex("flags", flags).Add("size", size).Result(result).Handle("handle", mapping);
-    }
-    void Attach(Random& random, Line& line) {
-        constexpr uint32_t kFlags[] = {QX_FILE_READ, QX_FILE_WRITE, QX_FILE_READ | QX_FILE_WRITE};
-        const QXHandle mapping = m_mappings[random.Below(2)];
-        if (mapping == QX_INVALID_HANDLE) {
-            return;
-        }
-        Detach();
-        const uint32_t flags = random.Of(kFlags);
-        const QXResult result = QXSharedMemAttach(mapping, flags, &m_view);
-        m_mayWrite = flags != QX_FILE_READ;
-        line.Hex("flags", flags).Result(result).Add("view", m_view != nullptr);
-    }
-    void Touch(Random& random, Line& line) {
-        if (m_view == nullptr) {
-            return;
-        }
-        auto* const bytes = static_cast<unsigned char*>(m_view);
-        line.Add("last", bytes[4095]);
-        if (m_mayWrite) {
-            bytes[4095] = static_cast<unsigned char>(random.Below(256));
-        }
-    }
-    void DetachTwice(Random&, Line& line) {
-        void* const view = m_view;
-        if (view != nullptr) {
-            line.Result(Detach()).Result(QXSharedMemDetach(view));
-        }
-    }
-
-  private:
-    QXResult Detach() {
-        void* const view = std::exchange(m_view, nullptr);
-        return view != nullptr ? QXSharedMemDetach(view) : QX_S_OK;
-    }
-    static void CloseMapping(QXHandle& mapping) {
-        if (mapping != QX_INVALID_HANDLE) {
-            QXSharedMemClose(std::exchange(mapping, QX_INVALID_HANDLE));
-        }
-    }
-    bool HasMapping() const {
-        return m_mappings[0] != QX_INVALID_HANDLE || m_mappings[1] != QX_INVALID_HANDLE;
-    }
-
-    const std::string m_name = "transcript-" + std::to_string(std::random_device{}());
-    QXHandle m_mappings[2] = {QX_INVALID_HANDLE, QX_INVALID_HANDLE};
-    void* m_view = nullptr;
-    bool m_mayWrite = false;
+struct SharedMemory {
+    const std::string name = "transcript-" + std::to_string(std::random_device{}());
+    Handles mappings{2, QXSharedMemClose};
+    Handles view{1, QXSharedMemDetach};
+    bool mayWrite = false;
 };
 
 }  // namespace
 
-std::vector<Call> SharedMemoryCalls() {
+Calls SharedMemoryCalls() {
     const auto memory = std::make_shared<SharedMemory>();
+    const std::shared_ptr<Handles> mappings(memory, &memory->mappings);
+    const std::shared_ptr<Handles> view(memory, &memory->view);
+    const auto open = [=](uint32_t flags, uint32_t size, QXHandle* out) {
+        if (allowance::kNameGoesWithTheLastHandle && mappings->AreAllClosed()) {
+            view->CloseAll();
+        }
+        return QXSharedMemOpen(memory->name.c_str(), flags, 0, size, out);
+    };
+    const auto attach = [=](QXHandle mapping, uint32_t flags, void** address) {
+        memory->mayWrite = flags != QX_FILE_READ;
+        return QXSharedMemAttach(mapping, flags, address);
+    };
+    const auto touch = [=](void* bytes, uint8_t value) {
+        uint8_t* const last = static_cast<uint8_t*>(bytes) + 4095;
+        return memory->mayWrite ? std::exchange(*last, value) : *last;
+    };
+    const auto detachTwice = [](void* address) {
+        const QXResult first = QXSharedMemDetach(address);
+        return std::array{first, QXSharedMemDetach(address)};
+    };
     return {
-        {"QXSharedMemOpen", Member(memory, &SharedMemory::OpenMapping), 2},
-        {"QXSharedMemAttach", Member(memory, &SharedMemory::Attach), 2},
-        {"shared memory", Member(memory, &SharedMemory::Touch), 2},
-        {"QXSharedMemDetach", Member(memory, &SharedMemory::DetachTwice)},
+        {"QXSharedMemOpen", Row(open, AnyOf<kFlags>, AnyOf<kSizes>, NewOne(mappings)), 2},
+        {"QXSharedMemAttach", Row(attach, OpenOne(mappings), AnyOf<kViewFlags>, NewOne(view)), 2},
+        {"shared memory", Row(touch, OpenOne(view), Within<0, 255>), 2},
+        {"QXSharedMemDetach", Row(detachTwice, LastUse(view))},
     };
 }

@@ -1,7 +1,6 @@
 #include <qxcore/string.h>
 
 #include "transcript/allowances.h"
-#include "transcript/call_lists.h"
 #include "transcript/calls.h"
 
 namespace {
@@ -48,7 +47,7 @@ Buffer<Unit> AgreedInPlace(Random& random) {
 Buffer<wchar> TwiceInPlace(Random& random) {
     const std::u16string text = WideText(random);
     Buffer<wchar> buffer(2 * text.size() + 1, text + u'\0' + text + u'\0');
-    buffer.Begin()[2 * text.size()] = 0;
+    buffer.Get()[2 * text.size()] = 0;
     return buffer;
 }
 
@@ -111,26 +110,24 @@ std::basic_string<Unit> Duplicated(const Unit* text, Limit... limit) {
 }
 
 void CopyList(Random& random, Line& line) {
-    std::string texts[4];
-    const char* arguments[4];
+    MaybeText<char> texts[4];
     size_t size = 1;
-    for (int index = 0; index < 4; ++index) {
-        texts[index] = NarrowText(random);
-        arguments[index] = random.OneIn(4) ? nullptr : texts[index].c_str();
-        size += texts[index].size();
-        line.Add("text", arguments[index] == nullptr ? "null" : arguments[index]);
+    for (auto& each : texts) {
+        each = {NarrowText(random), random.OneIn(4)};
+        each.Show(line, "text");
+        size += each.text.size();
     }
     const int32_t number = static_cast<int32_t>(random.Below(6)) - 1;
     Buffer<char> target(size);
     line.Add("number", number);
-    line.Add("->", QXStrCpyCatA(target.Begin(), number, arguments[0], arguments[1], arguments[2],
-                                arguments[3]));
+    line.Add("->", QXStrCpyCatA(target.Get(), number, texts[0].c_str(), texts[1].c_str(),
+                                texts[2].c_str(), texts[3].c_str()));
     line.Add("target", target.Content());
 }
 
 // All tokens of a text, and what becomes of it.
 template <typename Unit>
-MakeCall Tokens(Unit* (*next)(Unit**, const Unit*)) {
+auto Tokens(Unit* (*next)(Unit**, const Unit*)) {
     return [next](Random& random, Line& line) {
         auto text = Text<Unit>(random);
         const std::basic_string<Unit> delimiters = Text<Unit>(random).substr(0, 3) + Unit{','};
@@ -169,81 +166,63 @@ void PrintMapping(const char* name, const std::function<uint32_t(uint32_t)>& map
 
 }  // namespace
 
-std::vector<Call> TextCalls() {
+Calls TextCalls() {
     constexpr auto kAnySign = allowance::MappedUnitHasAnySign;
     return {
-        {"QXStrLenA", Row(QXStrLenA, NarrowText)},
-        {"QXStrLenA_32", Row(QXStrLenA_32, NarrowText)},
-        {"QXStrLenW", Row(QXStrLenW, WideText)},
-        {"QXStrLenW_32", Row(QXStrLenW_32, WideText)},
-        {"QXStrLenUTF16", Row(QXStrLenUTF16, WideText)},
-        {"QXStrNLenA", Row(QXStrNLenA, NarrowText, kUpTo20)},
-        {"QXStrNLenW", Row(QXStrNLenW, WideText, kUpTo20)},
-        {"QXStrNLenUTF16", Row(QXStrNLenUTF16, WideText, kUpTo20)},
+        CALLS_A_W(kExact, QXStrLen, Text<Unit>),
+        {NAMED(QXStrLenA_32, NarrowText)},
+        {NAMED(QXStrLenW_32, WideText)},
+        {NAMED(QXStrLenUTF16, WideText)},
+        CALLS_A_W(kExact, QXStrNLen, Text<Unit>, kUpTo20),
+        {NAMED(QXStrNLenUTF16, WideText, kUpTo20)},
         {"QXStrDupA", Row(Duplicated<char, QXStrDupA, QXStrFreeA>, TextOrNull<char>)},
         {"QXStrDupW", Row(Duplicated<wchar, QXStrDupW, QXStrFreeW>, TextOrNull<wchar>)},
         {"QXStrNDupA",
          Row(Duplicated<char, QXStrNDupA, QXStrFreeA, uint32_t>, TextOrNull<char>, kUpTo20)},
         {"QXStrNDupW",
          Row(Duplicated<wchar, QXStrNDupW, QXStrFreeW, uint32_t>, TextOrNull<wchar>, kUpTo20)},
-        {"QXStrCpyA", Row(QXStrCpyA, Extensible<char>, NarrowText)},
-        {"QXStrCpyW", Row(QXStrCpyW, Extensible<wchar>, WideText)},
-        {"QXStrCatA", Row(QXStrCatA, Extensible<char>, NarrowText)},
-        {"QXStrCatW", Row(QXStrCatW, Extensible<wchar>, WideText)},
-        {"QXStrNCpyA", Row(QXStrNCpyA, Extensible<char>, NarrowText, kUpTo24)},
-        {"QXStrNCpyW", Row(QXStrNCpyW, Extensible<wchar>, WideText, kUpTo24)},
-        {"QXStrNCatA", Row(QXStrNCatA, Extensible<char>, NarrowText, kUpTo24)},
-        {"QXStrNCatW", Row(QXStrNCatW, Extensible<wchar>, WideText, kUpTo24)},
-        {"QXStrNZCpyA", Row(QXStrNZCpyA, Bounded<char>, Room, NarrowText, CountedUnits)},
-        {"QXStrNZCpyW", Row(QXStrNZCpyW, Bounded<wchar>, Room, WideText, CountedUnits)},
-        {"QXStrNZCpyUTF16", Row(QXStrNZCpyUTF16, Bounded<wchar>, Room, WideText, CountedUnits)},
-        {"QXStrNZCatA", Row(QXStrNZCatA, Bounded<char>, Room, NarrowText, CountedUnits)},
-        {"QXStrNZCatW", Row(QXStrNZCatW, Bounded<wchar>, Room, WideText, CountedUnits)},
-        {"QXStrNZCatUTF16", Row(QXStrNZCatUTF16, Bounded<wchar>, Room, WideText, CountedUnits)},
+        CALLS_A_W(kExact, QXStrCpy, Extensible<Unit>, Text<Unit>),
+        CALLS_A_W(kExact, QXStrCat, Extensible<Unit>, Text<Unit>),
+        CALLS_A_W(kExact, QXStrNCpy, Extensible<Unit>, Text<Unit>, kUpTo24),
+        CALLS_A_W(kExact, QXStrNCat, Extensible<Unit>, Text<Unit>, kUpTo24),
+        CALLS_A_W(kExact, QXStrNZCpy, Bounded<Unit>, Room, Text<Unit>, CountedUnits),
+        CALL_WIDE(kExact, QXStrNZCpyUTF16, Bounded<Unit>, Room, WideText, CountedUnits),
+        CALLS_A_W(kExact, QXStrNZCat, Bounded<Unit>, Room, Text<Unit>, CountedUnits),
+        CALL_WIDE(kExact, QXStrNZCatUTF16, Bounded<Unit>, Room, WideText, CountedUnits),
         {"QXStrCpyCatA", CopyList},
-        {"QXStrChrA", Row(QXStrChrA, NarrowText, Sought<char>)},
-        {"QXStrChrW", Row(QXStrChrW, WideText, Sought<wchar>)},
-        {"QXStrChrUCS2", Row(QXStrChrUCS2, WideText, Sought<wchar>)},
-        {"QXStrChrUTF16", Row(QXStrChrUTF16, WideText, SoughtCodePoint)},
-        {"QXStrRChrA", Row(QXStrRChrA, NarrowText, Sought<char>)},
-        {"QXStrRChrW", Row(QXStrRChrW, WideText, Sought<wchar>)},
-        {"QXStrRChrUCS2", Row(QXStrRChrUCS2, WideText, Sought<wchar>)},
-        {"QXStrRChrUTF16", Row(QXStrRChrUTF16, WideText, SoughtCodePoint)},
-        {"QXStrStrA", Row(QXStrStrA, NarrowText, Part<char>)},
-        {"QXStrStrW", Row(QXStrStrW, WideText, Part<wchar>)},
-        {"QXStrStrUTF16", Row(QXStrStrUTF16, WideText, Part<wchar>)},
+        CALLS_A_W(kExact, QXStrChr, Text<Unit>, Sought<Unit>),
+        CALL_WIDE(kExact, QXStrChrUCS2, WideText, Sought<Unit>),
+        {NAMED(QXStrChrUTF16, WideText, SoughtCodePoint)},
+        CALLS_A_W(kExact, QXStrRChr, Text<Unit>, Sought<Unit>),
+        CALL_WIDE(kExact, QXStrRChrUCS2, WideText, Sought<Unit>),
+        {NAMED(QXStrRChrUTF16, WideText, SoughtCodePoint)},
+        CALLS_A_W(kExact, QXStrStr, Text<Unit>, Part<Unit>),
+        CALL_WIDE(kExact, QXStrStrUTF16, WideText, Part<Unit>),
         {"QXStrTokA", Tokens(QXStrTokA)},
         {"QXStrTokW", Tokens(QXStrTokW)},
-        {"QXStrCmpA", Row(QXStrCmpA, NarrowText, Other<char>)},
-        {"QXStrCmpW", Row(QXStrCmpW, WideText, Other<wchar>)},
-        {"QXStrCmpUCS2", Row(QXStrCmpUCS2, WideText, Other<wchar>)},
-        {"QXStrCmpUTF16", Row<kSign>(QXStrCmpUTF16, WideText, Other<wchar>)},
-        {"QXStrICmpA", Row(QXStrICmpA, Agreed<char>, OtherAgreed<char>)},
-        {"QXStrICmpW", Row<kSign>(QXStrICmpW, Agreed<wchar>, OtherAgreed<wchar>)},
-        {"QXStrICmpUCS2", Row(QXStrICmpUCS2, WideText, Other<wchar>)},
-        {"QXStrICmpUTF16", Row<kSign>(QXStrICmpUTF16, WideText, Other<wchar>)},
-        {"QXStrNCmpA", Row<kSign>(QXStrNCmpA, NarrowText, Other<char>, ComparedUnits)},
-        {"QXStrNCmpW", Row<kSign>(QXStrNCmpW, WideText, Other<wchar>, ComparedUnits)},
-        {"QXStrNCmpUTF16", Row<kSign>(QXStrNCmpUTF16, WideText, Other<wchar>, ComparedUnits)},
-        {"QXStrNICmpA", Row(QXStrNICmpA, Agreed<char>, OtherAgreed<char>, ComparedUnits)},
-        {"QXStrNICmpW", Row<kSign>(QXStrNICmpW, Agreed<wchar>, OtherAgreed<wchar>, ComparedUnits)},
-        {"QXStrNICmpUTF16", Row<kSign>(QXStrNICmpUTF16, WideText, Other<wchar>, ComparedUnits)},
+        CALLS_A_W(kExact, QXStrCmp, Text<Unit>, Other<Unit>),
+        CALL_WIDE(kExact, QXStrCmpUCS2, WideText, Other<Unit>),
+        CALL_WIDE(kSign, QXStrCmpUTF16, WideText, Other<Unit>),
+        {NAMED(QXStrICmpA, Agreed<char>, OtherAgreed<char>)},
+        CALL_WIDE(kSign, QXStrICmpW, Agreed<Unit>, OtherAgreed<Unit>),
+        CALL_WIDE(kExact, QXStrICmpUCS2, WideText, Other<Unit>),
+        CALL_WIDE(kSign, QXStrICmpUTF16, WideText, Other<Unit>),
+        CALLS_A_W(kSign, QXStrNCmp, Text<Unit>, Other<Unit>, ComparedUnits),
+        CALL_WIDE(kSign, QXStrNCmpUTF16, WideText, Other<Unit>, ComparedUnits),
+        {NAMED(QXStrNICmpA, Agreed<char>, OtherAgreed<char>, ComparedUnits)},
+        CALL_WIDE(kSign, QXStrNICmpW, Agreed<Unit>, OtherAgreed<Unit>, ComparedUnits),
+        CALL_WIDE(kSign, QXStrNICmpUTF16, WideText, Other<Unit>, ComparedUnits),
         {"QXToLowerA", Row<kAnySign>(QXToLowerA, AgreedUnit<char>)},
         {"QXToUpperA", Row<kAnySign>(QXToUpperA, AgreedUnit<char>)},
-        {"QXToLowerW", Row(QXToLowerW, AgreedUnit<wchar>)},
-        {"QXToUpperW", Row(QXToUpperW, AgreedUnit<wchar>)},
-        {"QXIsAlphaA", Row<kYesOrNo>(QXIsAlphaA, AgreedUnit<char>)},
-        {"QXIsDigitA", Row<kYesOrNo>(QXIsDigitA, AgreedUnit<char>)},
-        {"QXIsSpaceA", Row<kYesOrNo>(QXIsSpaceA, AgreedUnit<char>)},
-        {"QXIsAlphaW", Row<kYesOrNo>(QXIsAlphaW, AgreedUnit<wchar>)},
-        {"QXIsDigitW", Row<kYesOrNo>(QXIsDigitW, AgreedUnit<wchar>)},
-        {"QXIsSpaceW", Row<kYesOrNo>(QXIsSpaceW, AgreedUnit<wchar>)},
-        {"QXStrToLowerA", Row(QXStrToLowerA, AgreedInPlace<char>)},
-        {"QXStrToUpperA", Row(QXStrToUpperA, AgreedInPlace<char>)},
-        {"QXStrToLowerW", Row(QXStrToLowerW, AgreedInPlace<wchar>)},
-        {"QXStrToUpperW", Row(QXStrToUpperW, AgreedInPlace<wchar>)},
-        {"QXStrToLowerUTF16", Row(QXStrToLowerUTF16, TwiceInPlace)},
-        {"QXStrToUpperUTF16", Row(QXStrToUpperUTF16, TwiceInPlace)},
+        {NAMED(QXToLowerW, AgreedUnit<wchar>)},
+        {NAMED(QXToUpperW, AgreedUnit<wchar>)},
+        CALLS_A_W(kYesOrNo, QXIsAlpha, AgreedUnit<Unit>),
+        CALLS_A_W(kYesOrNo, QXIsDigit, AgreedUnit<Unit>),
+        CALLS_A_W(kYesOrNo, QXIsSpace, AgreedUnit<Unit>),
+        CALLS_A_W(kExact, QXStrToLower, AgreedInPlace<Unit>),
+        CALLS_A_W(kExact, QXStrToUpper, AgreedInPlace<Unit>),
+        {NAMED(QXStrToLowerUTF16, TwiceInPlace)},
+        {NAMED(QXStrToUpperUTF16, TwiceInPlace)},
     };
 }
 

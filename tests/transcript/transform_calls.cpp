@@ -1,29 +1,19 @@
 #include <qxcore/locale.h>
 #include <qxcore/transform.h>
 
-#include <utility>
-
 #include "transcript/allowances.h"
-#include "transcript/call_lists.h"
 #include "transcript/calls.h"
 
 namespace {
 
-int32_t Substitution(Random& random) {
-    constexpr int32_t kSubstitutions[] = {-1,     -1,       0,        '?',     0xFFFD,
-                                          0xD800, 0x10FFFF, 0x110000, 0x1F600, -2};
-    return random.Of(kSubstitutions);
-}
+constexpr int32_t kSubstitutions[] = {-1,     -1,       0,        '?',     0xFFFD,
+                                      0xD800, 0x10FFFF, 0x110000, 0x1F600, -2};
+constexpr auto kSubstitution = AnyOf<kSubstitutions>;
 
 // As a rule about as much room as the text takes.
 template <typename Unit>
 Buffer<Unit> Target(Random& random, const Draft& draft) {
     return Buffer<Unit>(random.OneIn(2) ? 4 * draft.units + 1 : random.Below(2 * draft.units + 2));
-}
-
-template <typename Number>
-Number UnsetLength(Random&) {
-    return 0x5A5A;
 }
 
 template <typename Unit>
@@ -72,51 +62,49 @@ void NextCharacter(Random& random, Line& line) {
 void DefaultLocale(Random& random, Line& line) {
     constexpr int32_t kRoom = 64;
     Buffer<wchar> whole(kRoom);
-    QXGetDefaultLocale(whole.Begin(), kRoom);
-    const size_t length = std::u16string(whole.Begin()).size();
+    QXGetDefaultLocale(whole.Get(), kRoom);
+    const size_t length = std::u16string(whole.Get()).size();
     const int32_t spare = static_cast<int32_t>(random.Below(8)) - 4;
     Buffer<wchar> buffer(kRoom);
-    const QXResult result =
-        QXGetDefaultLocale(buffer.Begin(), static_cast<int32_t>(length) + spare);
+    const QXResult result = QXGetDefaultLocale(buffer.Get(), static_cast<int32_t>(length) + spare);
     line.Add("spare", spare).Result(result);
-    line.Add("name", allowance::LocaleIsTheUsers(QX_SUCCEEDED(result) ? buffer.Begin() : u""));
-    line.Add("behind", buffer.Content().substr(length, 8));
+    line.Add("name", allowance::LocaleIsTheUsers(QX_SUCCEEDED(result) ? buffer.Get() : u""));
+    for (size_t behind = length; behind < length + 8; ++behind) {
+        line.Add("behind", static_cast<uint32_t>(buffer.Get()[behind]));
+    }
 }
 
 void DefaultEncoding(Random& random, Line& line) {
     const auto size = static_cast<int32_t>(random.Below(13));
     Buffer<wchar> buffer(16);
-    line.Add("size", size).Result(QXGetDefaultCharEncoding(buffer.Begin(), size));
-    line.Add("untouched", buffer.Content() == Buffer<wchar>(16).Content());
+    line.Add("size", size).Result(QXGetDefaultCharEncoding(buffer.Get(), size));
+    line.Add("untouched", buffer.Content().empty());
 }
 
 }  // namespace
 
-std::vector<Call> TransformCalls() {
-    constexpr auto kLength = UnsetLength<size_t>;
-    constexpr auto kLength32 = UnsetLength<int32_t>;
+Calls TransformCalls() {
+    constexpr auto kLength = Unset<size_t>;
+    constexpr auto kLength32 = Unset<int32_t>;
+    constexpr auto kNarrow = Target<char>;
+    constexpr auto kWide = Target<wchar>;
+    constexpr auto kUtf32 = Target<char32_t>;
     return {
-        {"QXEncUTF8ToUTF16",
-         Row(QXEncUTF8ToUTF16, Target<wchar>, Room, kLength, NarrowText, AnyHead, Substitution)},
-        {"QXUTF8ToW",
-         Row(QXUTF8ToW, Target<wchar>, Room, kLength, NarrowText, AnyHead, Substitution)},
-        {"QXEncUTF16ToUTF8",
-         Row(QXEncUTF16ToUTF8, Target<char>, Room, kLength, WideText, AnyHead, Substitution)},
-        {"QXWToUTF8", Row(QXWToUTF8, Target<char>, Room, kLength, WideText, AnyHead, Substitution)},
-        {"QXEncUTF8ToUTF32",
-         Row(QXEncUTF8ToUTF32, Target<char32_t>, Room, kLength, NarrowText, AnyHead, Substitution)},
-        {"QXEncUTF32ToUTF8",
-         Row(QXEncUTF32ToUTF8, Target<char>, Room, kLength, Utf32Text, AnyHead, Substitution)},
-        {"QXUTF8ToUTF16", Row(QXUTF8ToUTF16, Target<wchar>, NarrowText, Room)},
-        {"QXUTF16ToUTF8", Row(QXUTF16ToUTF8, Target<char>, WideText, Room)},
-        {"QXUTF8ToUTF16N",
-         Row(QXUTF8ToUTF16N, Target<wchar>, Room, kLength32, NarrowText, AnyHead)},
-        {"QXUTF16ToUTF8N", Row(QXUTF16ToUTF8N, Target<char>, Room, kLength32, WideText, AnyHead)},
-        {"QXAnsiToUnicode", Row(QXAnsiToUnicode, TargetOrNull<wchar>, Ascii<char>, Limit)},
-        {"QXUnicodeToAnsi", Row(QXUnicodeToAnsi, TargetOrNull<char>, Ascii<wchar>, Limit)},
-        {"QXCountCharUTF16", Row(QXCountCharUTF16, TextOrNull<wchar>)},
+        {NAMED(QXEncUTF8ToUTF16, kWide, Room, kLength, NarrowText, AnyHead, kSubstitution)},
+        {NAMED(QXUTF8ToW, kWide, Room, kLength, NarrowText, AnyHead, kSubstitution)},
+        {NAMED(QXEncUTF16ToUTF8, kNarrow, Room, kLength, WideText, AnyHead, kSubstitution)},
+        {NAMED(QXWToUTF8, kNarrow, Room, kLength, WideText, AnyHead, kSubstitution)},
+        {NAMED(QXEncUTF8ToUTF32, kUtf32, Room, kLength, NarrowText, AnyHead, kSubstitution)},
+        {NAMED(QXEncUTF32ToUTF8, kNarrow, Room, kLength, Utf32Text, AnyHead, kSubstitution)},
+        {NAMED(QXUTF8ToUTF16, kWide, NarrowText, Room)},
+        {NAMED(QXUTF16ToUTF8, kNarrow, WideText, Room)},
+        {NAMED(QXUTF8ToUTF16N, kWide, Room, kLength32, NarrowText, AnyHead)},
+        {NAMED(QXUTF16ToUTF8N, kNarrow, Room, kLength32, WideText, AnyHead)},
+        {NAMED(QXAnsiToUnicode, TargetOrNull<wchar>, Ascii<char>, Limit)},
+        {NAMED(QXUnicodeToAnsi, TargetOrNull<char>, Ascii<wchar>, Limit)},
+        {NAMED(QXCountCharUTF16, TextOrNull<wchar>)},
         {"QXNextCharUTF16", NextCharacter},
-        {"QXIsUtf8BomStr", Row(QXIsUtf8BomStr, Marked)},
+        {NAMED(QXIsUtf8BomStr, Marked)},
         {"QXUtf8BomStr", Row(IsOtherMark, MaybeOtherMark)},
         {"QXGetDefaultLocale", DefaultLocale},
         {"QXGetDefaultCharEncoding", DefaultEncoding},

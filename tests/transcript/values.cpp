@@ -142,11 +142,3 @@ std::string NumberText(Random& random) {
                 : std::to_string(random.Next() >> random.Below(64));
     return text + random.Of(kTails);
 }
-
-std::u16string Widen(std::string_view text) {
-    std::u16string wide;
-    for (const char unit : text) {
-        wide += static_cast<unsigned char>(unit);
-    }
-    return wide;
-}

@@ -9,6 +9,7 @@
 #include <type_traits>
 #include <vector>
 
+#include "support/exact_text.h"
 #include "transcript/line.h"
 #include "transcript/random.h"
 
@@ -67,8 +68,6 @@ Number AnyNumber(Random& random) {
     }
 }
 
-std::u16string Widen(std::string_view text);
-
 // Any code points and some other numbers.
 std::u32string Utf32Text(Random& random);
 
@@ -98,8 +97,8 @@ inline std::string AnyWord(Random& random, std::string_view words) {
     return AnyPart(random, words, ' ');
 }
 
-// Room for some units with a margin behind it; all of it is printed. Without room it is a null
-// pointer.
+// Room for some units with a margin behind it. It shows all that was written. Without room it is a
+// null pointer.
 template <typename Unit>
 class Buffer {
   public:
@@ -107,13 +106,15 @@ class Buffer {
 
     explicit Buffer(size_t size, const std::basic_string<Unit>& content = {})
         : m_units(size + kMargin, kUntouched) {
-        if (!content.empty()) {
-            std::copy(content.begin(), content.end(), m_units.begin());
-        }
+        std::copy(content.begin(), content.end(), m_units.begin());
     }
-    Unit* Begin() { return Size() != 0 ? m_units.data() : nullptr; }
+    Unit* Get() { return Size() != 0 ? m_units.data() : nullptr; }
     size_t Size() const { return m_units.size() - kMargin; }
-    std::basic_string_view<Unit> Content() const { return {m_units.data(), m_units.size()}; }
+    std::basic_string_view<Unit> Content() const {
+        const std::basic_string_view<Unit> all(m_units.data(), m_units.size());
+        return all.substr(0, all.find_last_not_of(kUntouched) + 1);
+    }
+    void Show(Line& line, const char* what) const { line.Add(what, Content()); }
 
   private:
     static constexpr size_t kMargin = 3;

@@ -7,181 +7,65 @@
 #include <qxcore/semaphore.h>
 #include <qxcore/thread.h>
 
+#include <map>
 #include <random>
-#include <utility>
 
-#include "transcript/call_lists.h"
+#include "transcript/calls.h"
 
 namespace {
 
 using Operation = QXResult (*)(QXHandle);
-using Create = QXResult (*)(Random& random, Line& line, QXHandle* out);
 
-struct Object {
-    QXHandle handle = nullptr;
-    std::vector<Operation> holds;  // each by what gives it back
+// Locks of a kind. What is held of one is given back in the reverse order, also before its end.
+struct Locks {
+    Locks(size_t number, Operation destroyOne)
+        : destroy(destroyOne), all(number, [this](QXHandle lock) { End(lock); }) {}
+
+    QXResult GiveBack(QXHandle lock) {
+        std::vector<Operation>& held = holds[lock];
+        if (held.empty()) {
+            return QX_S_OK;
+        }
+        const Operation giveBack = held.back();
+        held.pop_back();
+        return giveBack(lock);
+    }
+    QXResult End(QXHandle lock) {
+        while (!holds[lock].empty()) {
+            GiveBack(lock);
+        }
+        return destroy(lock);
+    }
+
+    const Operation destroy;
+    std::map<QXHandle, std::vector<Operation>> holds;  // each by what gives it back
+    Handles all;
 };
 
-// Some objects of a kind. What a thread holds of one it gives back in the reverse order.
-class Waited : public Unshared {
-  public:
-    Waited(Create create, Operation destroy, size_t number = 1)
-        : m_create(create), m_destroy(destroy), m_objects(number) {}
-    ~Waited() {
-        for (Object& object : m_objects) {
-            End(object);
-        }
-    }
-
-    void Renew(Random& random, Line& line) {
-        Object& object = Any(random, line);
-        End(object);
-        Make(object, random, line);
-    }
-
-    void Destroy(Random& random, Line& line) {
-        Object& object = Any(random, line);
-        if (object.handle != nullptr) {
-            line.Result(End(object));
-        }
-    }
-
-    // Prints what a use of any object gives. One that is not there is made first, if it can be.
-    template <typename Use>
-    void With(Random& random, Line& line, Use use) {
-        Object& object = Any(random, line);
-        if (object.handle != nullptr || Make(object, random, line)) {
-            use(object);
-        }
-    }
-
-    void Release(Random& random, Line& line) {
-        Object& object = Any(random, line);
-        if (!object.holds.empty()) {
-            line.Result(GiveBack(object));
-        }
-    }
-
-  private:
-    Object& Any(Random& random, Line& line) {
-        const uint32_t index = random.Below(m_objects.size());
-        line.Add("object", index).Add("holds", m_objects[index].holds.size());
-        return m_objects[index];
-    }
-
-    bool Make(Object& object, Random& random, Line& line) {
-        const QXResult result = m_create(random, line, &object.handle);
-        line.Result(result).Handle("handle", object.handle);
-        object.handle = QX_SUCCEEDED(result) ? object.handle : nullptr;
-        return QX_SUCCEEDED(result);
-    }
-
-    static QXResult GiveBack(Object& object) {
-        const Operation giveBack = object.holds.back();
-        object.holds.pop_back();
-        return giveBack(object.handle);
-    }
-
-    QXResult End(Object& object) {
-        while (!object.holds.empty()) {
-            GiveBack(object);
-        }
-        const QXHandle handle = std::exchange(object.handle, nullptr);
-        return handle != nullptr ? m_destroy(handle) : QX_S_OK;
-    }
-
-    const Create m_create;
-    const Operation m_destroy;
-    std::vector<Object> m_objects;
-};
-
-using Objects = std::shared_ptr<Waited>;
-
-MakeCall Use(const Objects& objects, Operation operation) {
-    return [=](Random& random, Line& line) {
-        objects->With(random, line, [&](Object& it) { line.Result(operation(it.handle)); });
+auto Take(std::shared_ptr<Locks> locks, Operation take, Operation giveBack) {
+    const auto takeOne = [=](QXHandle lock) {
+        const QXResult result = take(lock);
+        auto& held = locks->holds[lock];
+        held.resize(held.size() + (QX_SUCCEEDED(result) ? 1 : 0), giveBack);
+        return result;
     };
+    return Row(takeOne, OpenOne({locks, &locks->all}));
 }
 
-// A wait that ends at once.
-MakeCall Poll(const Objects& objects, QXResult (*wait)(QXHandle, uint32_t)) {
-    return [=](Random& random, Line& line) {
-        objects->With(random, line, [&](Object& it) { line.Result(wait(it.handle, 0)); });
-    };
+// Null, empty or a name.
+MaybeText<char> AnyName(Random& random) {
+    return {random.OneIn(2) ? "" : "transcript", random.OneIn(3)};
 }
 
-MakeCall Take(const Objects& objects, Operation take, Operation giveBack) {
-    return [=](Random& random, Line& line) {
-        objects->With(random, line, [&](Object& it) {
-            const QXResult result = take(it.handle);
-            line.Result(result);
-            it.holds.resize(it.holds.size() + (QX_SUCCEEDED(result) ? 1 : 0), giveBack);
-        });
-    };
-}
-
-QXResult NewMutex(Random& random, Line& line, QXHandle* out) {
-    constexpr uint32_t kFlags[] = {0,
-                                   0,
-                                   QX_MUTEX_SPIN,
-                                   QX_MUTEX_NOSTATS,
-                                   QX_MUTEX_NOSTATS | QX_MUTEX_STATS,
-                                   QX_MUTEX_NONRECURSIVE,
-                                   0x0F00000F};
-    constexpr const char* kNames[] = {nullptr, "", "transcript"};
-    const uint32_t flags = random.Of(kFlags);
-    line.Hex("flags", flags);
-    return QXMutexCreate(random.Of(kNames), flags, out);
-}
-
-QXResult NewEvent(Random& random, Line& line, QXHandle* out) {
-    const uint32_t flags = random.OneIn(2) ? QX_EVENT_MANUALRESET : 0;
-    line.Hex("flags", flags);
-    return QXEventCreate(random.OneIn(2) ? "transcript" : nullptr, flags, out);
-}
-
-QXResult NewGate(Random&, Line&, QXHandle* out) {
-    return QXGateCreate(nullptr, 0, out);
-}
-
-QXResult NewLock(Random&, Line&, QXHandle* out) {
-    return QXRWLockCreate("transcript", 0, out);
-}
-
-uint32_t AnyCount(Random& random, Line& line) {
-    constexpr uint32_t kCounts[] = {0, 1, 2, 32766, 32767, 32768, 0x80000000};
-    const uint32_t count = random.Of(kCounts);
-    line.Add("count", count);
-    return count;
-}
-
-QXResult NewSemaphore(Random& random, Line& line, QXHandle* out) {
-    return QXSemaphoreCreate(AnyCount(random, line), nullptr, 0, out);
-}
-
-// All of one name.
-QXResult NewNamedSemaphore(Random& random, Line& line, QXHandle* out) {
-    static const std::string s_name = "transcript-" + std::to_string(std::random_device{}());
-    return QXNamedSemOpen(s_name.c_str(), AnyCount(random, line), out);
-}
-
-MakeCall AssertOwnership(const Objects& mutexes) {
-    return [=](Random& random, Line& line) {
-        const auto wanted = static_cast<int16_t>(random.Below(3));
-        mutexes->With(random, line, [&](Object& it) {
-            line.Add("wanted", wanted).Add("->", QXMutexAssertOwnership(it.handle, wanted));
-        });
-    };
-}
-
-MakeCall GetValue(const Objects& semaphores) {
-    return [=](Random& random, Line& line) {
-        semaphores->With(random, line, [&](Object& it) {
-            uint32_t count = 0;
-            line.Result(QXSemaphoreGetValue(it.handle, &count)).Add("count", count);
-        });
-    };
-}
+constexpr uint32_t kMutexFlags[] = {0,
+                                    0,
+                                    QX_MUTEX_SPIN,
+                                    QX_MUTEX_NOSTATS,
+                                    QX_MUTEX_NOSTATS | QX_MUTEX_STATS,
+                                    QX_MUTEX_NONRECURSIVE,
+                                    0x0F00000F};
+constexpr uint32_t kEventFlags[] = {0, QX_EVENT_MANUALRESET};
+constexpr uint32_t kCounts[] = {0, 1, 2, 32766, 32767, 32768, 0x80000000};
 
 void JoinOne(Random& random, Line& line) {
     constexpr uint64_t kValues[] = {0, 1, 0xFFFFFFFF, 0x123456789ABCDEF0};
@@ -207,40 +91,56 @@ void JoinOne(Random& random, Line& line) {
 
 }  // namespace
 
-std::vector<Call> WaitingCalls() {
-    const auto mutexes = std::make_shared<Waited>(NewMutex, QXMutexDestroy, 2);
-    const auto events = std::make_shared<Waited>(NewEvent, QXEventDestroy);
-    const auto gates = std::make_shared<Waited>(NewGate, QXGateDestroy);
-    const auto semaphores = std::make_shared<Waited>(NewSemaphore, QXSemaphoreDestroy);
-    const auto named = std::make_shared<Waited>(NewNamedSemaphore, QXNamedSemClose, 2);
-    const auto locks = std::make_shared<Waited>(NewLock, QXRWLockDestroy);
+Calls WaitingCalls() {
+    const auto mutexes = std::make_shared<Locks>(2, QXMutexDestroy);
+    const auto locks = std::make_shared<Locks>(1, QXRWLockDestroy);
+    const std::shared_ptr<Handles> anyMutex(mutexes, &mutexes->all);
+    const std::shared_ptr<Handles> anyLock(locks, &locks->all);
+    const auto events = std::make_shared<Handles>(1, QXEventDestroy);
+    const auto gates = std::make_shared<Handles>(1, QXGateDestroy);
+    const auto semaphores = std::make_shared<Handles>(1, QXSemaphoreDestroy);
+    const auto named = std::make_shared<Handles>(2, QXNamedSemClose);
+    // All of one name.
+    static const std::string s_name = "transcript-" + std::to_string(std::random_device{}());
+    const auto semaphoreName = [](Random&) { return ShownText<char>{u"a name", s_name}; };
+    constexpr auto kZero = Within<0>;
+    // One of each, for the calls before others are made.
+    QXMutexCreate(nullptr, 0, &anyMutex->At(0));
+    QXRWLockCreate(nullptr, 0, &anyLock->At(0));
+    QXEventCreate(nullptr, 0, &events->At(0));
+    QXGateCreate(nullptr, 0, &gates->At(0));
+    QXSemaphoreCreate(1, nullptr, 0, &semaphores->At(0));
+    QXNamedSemOpen(s_name.c_str(), 1, &named->At(0));
     return {
-        {"QXMutexCreate", Member(mutexes, &Waited::Renew)},
+        {NAMED(QXMutexCreate, AnyName, AnyOf<kMutexFlags>, NewOne(anyMutex)), 2},
         {"QXMutexAcquire", Take(mutexes, QXMutexAcquire, QXMutexRelease), 2},
         {"QXMutexTryAcquire", Take(mutexes, QXMutexTryAcquire, QXMutexRelease)},
-        {"QXMutexRelease", Member(mutexes, &Waited::Release)},
-        {"QXMutexAssertOwnership", AssertOwnership(mutexes)},
-        {"QXMutexDestroy", Member(mutexes, &Waited::Destroy)},
-        {"QXEventCreate", Member(events, &Waited::Renew)},
-        {"QXEventSignal", Use(events, QXEventSignal), 2},
-        {"QXEventReset", Use(events, QXEventReset)},
-        {"QXEventTimedWait", Poll(events, QXEventTimedWait), 2},
-        {"QXGateCreate", Member(gates, &Waited::Renew)},
-        {"QXGateOpen", Use(gates, QXGateOpen)},
-        {"QXGateClose", Use(gates, QXGateClose)},
-        {"QXGateTryWait", Use(gates, QXGateTryWait)},
-        {"QXGateTimedWait", Poll(gates, QXGateTimedWait)},
-        {"QXSemaphoreCreate", Member(semaphores, &Waited::Renew)},
-        {"QXSemaphorePost", Use(semaphores, QXSemaphorePost), 2},
-        {"QXSemaphoreTryWait", Use(semaphores, QXSemaphoreTryWait), 2},
-        {"QXSemaphoreGetValue", GetValue(semaphores), 2},
-        {"QXNamedSemOpen", Member(named, &Waited::Renew), 2},
-        {"QXNamedSemPost", Use(named, QXNamedSemPost), 2},
-        {"QXNamedSemTryWait", Use(named, QXNamedSemTryWait), 2},
-        {"QXRWLockCreate", Member(locks, &Waited::Renew)},
+        {"QXMutexRelease",
+         Row([=](QXHandle mutex) { return mutexes->GiveBack(mutex); }, OpenOne(anyMutex))},
+        {NAMED(QXMutexAssertOwnership, OpenOne(anyMutex), Within<0, 2>)},
+        {"QXMutexDestroy",
+         Row([=](QXHandle mutex) { return mutexes->End(mutex); }, LastUse(anyMutex))},
+        {NAMED(QXEventCreate, AnyName, AnyOf<kEventFlags>, NewOne(events))},
+        {NAMED(QXEventSignal, OpenOne(events)), 2},
+        {NAMED(QXEventReset, OpenOne(events))},
+        {NAMED(QXEventTimedWait, OpenOne(events), kZero), 2},
+        {NAMED(QXGateCreate, AnyName, kZero, NewOne(gates))},
+        {NAMED(QXGateOpen, OpenOne(gates))},
+        {NAMED(QXGateClose, OpenOne(gates))},
+        {NAMED(QXGateTryWait, OpenOne(gates))},
+        {NAMED(QXGateTimedWait, OpenOne(gates), kZero)},
+        {NAMED(QXSemaphoreCreate, AnyOf<kCounts>, AnyName, kZero, NewOne(semaphores))},
+        {NAMED(QXSemaphorePost, OpenOne(semaphores)), 2},
+        {NAMED(QXSemaphoreTryWait, OpenOne(semaphores)), 2},
+        {NAMED(QXSemaphoreGetValue, OpenOne(semaphores), Unset<uint32_t>), 2},
+        {NAMED(QXNamedSemOpen, semaphoreName, AnyOf<kCounts>, NewOne(named)), 2},
+        {NAMED(QXNamedSemPost, OpenOne(named)), 2},
+        {NAMED(QXNamedSemTryWait, OpenOne(named)), 2},
+        {NAMED(QXRWLockCreate, AnyName, kZero, NewOne(anyLock))},
         {"QXRWLockTryAcquireRead", Take(locks, QXRWLockTryAcquireRead, QXRWLockReleaseRead), 2},
         {"QXRWLockTryAcquireWrite", Take(locks, QXRWLockTryAcquireWrite, QXRWLockReleaseWrite), 2},
-        {"QXRWLockRelease", Member(locks, &Waited::Release), 2},
+        {"QXRWLockRelease",
+         Row([=](QXHandle lock) { return locks->GiveBack(lock); }, OpenOne(anyLock)), 2},
         {"QXThreadJoin", JoinOne, 2},
     };
 }

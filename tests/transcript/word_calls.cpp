@@ -3,9 +3,6 @@
 #include <qxcore/memory.h>
 #include <qxcore/result.h>
 
-#include <cstring>
-
-#include "transcript/call_lists.h"
 #include "transcript/calls.h"
 
 namespace {
@@ -51,13 +48,6 @@ int32_t IdentifierRoom(Random& random) {
     return random.OneIn(2) ? QX_GUID_TEXT_SIZE : static_cast<int32_t>(random.Below(42));
 }
 
-template <typename Value>
-Value Unset(Random&) {
-    Value value;
-    std::memset(&value, 0x7E, sizeof value);
-    return value;
-}
-
 uint16_t Near(Random& random, uint32_t first, uint32_t last) {
     return static_cast<uint16_t>(random.OneIn(12) ? random.Next() : random.Between(first, last));
 }
@@ -87,13 +77,13 @@ tm AnyTm(Random& random) {
 // ---- Functions that need something round them
 
 template <typename Word>
-MakeCall Unaligned(Word (*get)(const void*), void* (*put)(void*, Word)) {
+auto Unaligned(Word (*get)(const void*), void* (*put)(void*, Word)) {
     return [=](Random& random, Line& line) {
         Buffer<char> buffer(16);
-        char* const address = buffer.Begin() + random.Below(8);
+        char* const address = buffer.Get() + random.Below(8);
         const auto value = AnyNumber<Word>(random);
         line.Add("value", value);
-        line.Place("->", static_cast<char*>(put(address, value)), buffer.Begin());
+        line.Place("->", static_cast<char*>(put(address, value)), buffer.Get());
         line.Add("buffer", buffer.Content()).Add("->", get(address));
     };
 }
@@ -108,34 +98,33 @@ void Generate(Random&, Line& line) {
 
 }  // namespace
 
-std::vector<Call> WordCalls() {
+Calls WordCalls() {
     constexpr auto kAny32 = AnyNumber<uint32_t>;
     constexpr auto kAnySize = AnyNumber<size_t>;
     return {
-        {"QXAtomicAdd32", Row(QXAtomicAdd32, kAny32, kAny32)},
-        {"QXAtomicAddSZ", Row(QXAtomicAddSZ, kAnySize, kAnySize)},
-        {"QXAtomicIncrement", Row(QXAtomicIncrement, kAny32)},
-        {"QXAtomicDecrement", Row(QXAtomicDecrement, kAny32)},
-        {"QXAtomicExchange", Row(QXAtomicExchange, kAny32, kAny32)},
-        {"QXAtomicCompareExchange", Row(QXAtomicCompareExchange, kFew, kAny32, kFew)},
+        {NAMED(QXAtomicAdd32, kAny32, kAny32)},
+        {NAMED(QXAtomicAddSZ, kAnySize, kAnySize)},
+        {NAMED(QXAtomicIncrement, kAny32)},
+        {NAMED(QXAtomicDecrement, kAny32)},
+        {NAMED(QXAtomicExchange, kAny32, kAny32)},
+        {NAMED(QXAtomicCompareExchange, kFew, kAny32, kFew)},
         {"QXPutUnalignedInt16", Unaligned(QXGetUnalignedInt16, QXPutUnalignedInt16)},
         {"QXPutUnalignedInt32", Unaligned(QXGetUnalignedInt32, QXPutUnalignedInt32)},
         {"QXPutUnalignedInt64", Unaligned(QXGetUnalignedInt64, QXPutUnalignedInt64)},
-        {"QXSwapInt16", Row(QXSwapInt16, AnyNumber<uint16_t>)},
-        {"QXSwapInt32", Row(QXSwapInt32, kAny32)},
-        {"QXSwapInt64", Row(QXSwapInt64, AnyNumber<uint64_t>)},
-        {"QXGetAlignedSize", Row(QXGetAlignedSize, kAnySize)},
-        {"QXResultFromNative", Row(QXResultFromNative, kAny32)},
-        {"QXComIsEqualGUID", Row(QXComIsEqualGUID, AnyIdentifier, OtherIdentifier)},
-        {"QXComCompareGUID", Row(QXComCompareGUID, AnyIdentifier, OtherIdentifier)},
-        {"QXComStringFromGUID",
-         Row(QXComStringFromGUID, AnyIdentifier, RoomFor<wchar, 42>, IdentifierRoom)},
-        {"QXComGUIDFromString", Row(QXComGUIDFromString, IdentifierText, Unset<GUID>)},
+        {NAMED(QXSwapInt16, AnyNumber<uint16_t>)},
+        {NAMED(QXSwapInt32, kAny32)},
+        {NAMED(QXSwapInt64, AnyNumber<uint64_t>)},
+        {NAMED(QXGetAlignedSize, kAnySize)},
+        {NAMED(QXResultFromNative, kAny32)},
+        {NAMED(QXComIsEqualGUID, AnyIdentifier, OtherIdentifier)},
+        {NAMED(QXComCompareGUID, AnyIdentifier, OtherIdentifier)},
+        {NAMED(QXComStringFromGUID, AnyIdentifier, RoomFor<wchar, 42>, IdentifierRoom)},
+        {NAMED(QXComGUIDFromString, IdentifierText, Unset<GUID>)},
         {"QXComGenerateGUID", Generate},
-        {"QXTimeFromPosix", Row(QXTimeFromPosix, AnySeconds, Unset<QXTimeRecord>)},
-        {"QXTimeToPosix", Row(QXTimeToPosix, AnyRecord, Unset<int64_t>)},
-        {"QXTimeFromTM", Row(QXTimeFromTM, AnyTm, Unset<QXTimeRecord>)},
-        {"QXTimeToTM", Row(QXTimeToTM, AnyRecord, Unset<tm>)},
+        {NAMED(QXTimeFromPosix, AnySeconds, Unset<QXTimeRecord>)},
+        {NAMED(QXTimeToPosix, AnyRecord, Unset<int64_t>)},
+        {NAMED(QXTimeFromTM, AnyTm, Unset<QXTimeRecord>)},
+        {NAMED(QXTimeToTM, AnyRecord, Unset<tm>)},
     };
 }
 
