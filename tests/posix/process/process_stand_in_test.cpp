@@ -58,11 +58,14 @@ TEST(ProcessStandIn, CommandLineIsSplitByTheReferencePlatformsRules) {
         const char* arguments;
     } cases[] = {{u"", ""},
                  {u"a  b\tc ", "<a><b><c>"},
+                 {u"\"a b\" \"\" c", "<a b><><c>"},
                  {u"a\"b c\"d", "<ab cd>"},
                  {u"\"", "<>"},
                  {u"a\\b \\\\c \\", "<a\\b><\\\\c><\\>"},
                  {u"a\\\"b", "<a\"b>"},
                  {u"a\\\\\"b c\"", "<a\\b c>"},
+                 {u"a\\\\\\\"b", "<a\\\"b>"},
+                 {u"\"a\\\\\" b", "<a\\><b>"},
                  {u"\"a\"\"b c\" d", "<a\"b c><d>"},
                  {u"\"\"\"\" e", "<\"><e>"},
                  {u"\"a\\\"\"\" b", "<a\"\" b>"},
@@ -179,8 +182,8 @@ TEST(ProcessStandIn, ChildrenStartWhereTheStandardStreamsAreClosed) {
         }
         Pipes pipes;
         const QXHandle child = StartShell(u"cat; echo e >&2; exit 6", pipes.ends);
-        const bool takesNone = ::fcntl(0, F_GETFD) == -1 && ::fcntl(1, F_GETFD) == -1 &&
-                               ::fcntl(2, F_GETFD) == -1;
+        const bool takesNone =
+            ::fcntl(0, F_GETFD) == -1 && ::fcntl(1, F_GETFD) == -1 && ::fcntl(2, F_GETFD) == -1;
         Write(pipes.ends[0], "text");
         pipes.CloseInput();
         const bool works = ReadAll(pipes.ends[1]) == "text" && ReadAll(pipes.ends[2]) == "e\n" &&
