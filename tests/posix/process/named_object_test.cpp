@@ -1,5 +1,4 @@
 // Objects that processes share by name: their life, other users, what is planted in their place.
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <qxcore.h>
 #include <sched.h>
@@ -329,15 +328,6 @@ TEST(NamedObject, NoSpaceIsAFailureThatLeavesNothing) {
     EXPECT_TRUE(IsTrueInChild([&] {
         return MountForThisProcess("/dev", nullptr) &&
                OpenMemory(name, 1, &memory) == QX_E_NOTFOUND;
-    }));
-}
-
-TEST(NamedObject, TakesNoneOfTheStandardDescriptors) {
-    EXPECT_TRUE(IsTrueInChild([] {
-        close(0);
-        QXHandle memory = nullptr;
-        return OpenMemory(UniqueName(), 1, &memory) == kNew && fcntl(0, F_GETFD) == -1 &&
-               QXSharedMemClose(memory) == QX_S_OK;
     }));
 }
 

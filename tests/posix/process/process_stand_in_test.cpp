@@ -262,25 +262,4 @@ TEST(ProcessStandIn, ForkedChildStartsItsOwnAndLeavesItsParentsAlone) {
     EXPECT_EQ(5u, CodeOf(child));
 }
 
-TEST(ProcessStandIn, NameLosesTheKernelsRemarkOnAFileThatIsGone) {
-    const TemporaryDirectory directory;
-    const std::filesystem::path copy = directory.Path() / std::string(240, 'n');
-    std::filesystem::copy_file("/bin/cat", copy);
-    Pipes pipes;
-    const QXHandle child = StartShell(u"echo $$; exec '" + copy.u16string() + u"'", pipes.ends);
-    char line[16] = {};
-    uint32_t count = 0;
-    EXPECT_EQ(QX_S_OK, QXFileRead(pipes.ends[1], line, sizeof line, &count));
-    const auto id = static_cast<uint32_t>(std::stoul(line));
-    Write(pipes.ends[0], "x");
-    EXPECT_EQ(QX_S_OK, QXFileRead(pipes.ends[1], line, sizeof line, &count));  // the copy runs
-    std::filesystem::remove(copy);
-    char name[300];
-    EXPECT_EQ(1, QXProcessGetName(id, name, sizeof name));
-    EXPECT_EQ(copy.filename().string(), name);
-    pipes.CloseInput();
-    EXPECT_EQ(0u, CodeOf(child));
-    EXPECT_EQ(0, QXProcessGetName(id, name, sizeof name));
-}
-
 }  // namespace
