@@ -138,11 +138,12 @@ TEST_F(QxregTest, ExportsTheTextThatEditorsWrite) {
     WriteValue(kTop, {u"a\"b\\c", kNativeDword, {"\x0A\x00\x00\xFF", 4}});
     WriteValue(kTop, {u"b\r\n", kNativeString, BytesOf(std::u16string(u"\r\n\0", 3))});
     WriteValue(kTop, {u"cut", kNativeString, BytesOf(u"x")});
-    WriteValue(kTop, {u"d", kNativeExpand, BytesOf(std::u16string(u"%\xD83D\0", 3))});
+    WriteValue(kTop, {u"d", kNativeString, BytesOf(std::u16string(u"%\xD83D\0", 3))});
     WriteValue(kTop, {u"e", kNativeMulti, BytesOf(std::u16string(u"\0\0", 2))});
     WriteValue(kTop, {u"empty", kNativeBinary, ""});
     WriteValue(kTop, {u"long", kNativeBinary, std::string(24, '\xAB')});
     MakeKey(Beneath(kTop, u"b]\\c"));
+    MakeKey(Beneath(kTop, u"c\n"));
     std::string bytes;
     for (int i = 0; i < 24; ++i) {
         bytes += i == 0 ? "ab" : i == 22 ? ",\\\r\n  ab" : ",ab";
@@ -153,14 +154,15 @@ TEST_F(QxregTest, ExportsTheTextThatEditorsWrite) {
                                  "\"a\\\"b\\\\c\"=dword:ff00000a\r\n"
                                  "\"b\r\n\"=hex(1):0d,00,0a,00,00,00\r\n"
                                  "\"cut\"=hex(1):78,00\r\n"
-                                 "\"d\"=hex(2):25,00,3d,d8,00,00\r\n"
+                                 "\"d\"=hex(1):25,00,3d,d8,00,00\r\n"
                                  "\"e\"=hex(7):00,00,00,00\r\n"
                                  "\"empty\"=hex:\r\n"
                                  "\"long\"=hex:" +
                                  bytes +
                                  "\r\n"
                                  "\r\n[HKEY_CURRENT_USER\\QxregTest\\b]]\r\n"
-                                 "\r\n[HKEY_CURRENT_USER\\QxregTest\\b]\\c]\r\n";
+                                 "\r\n[HKEY_CURRENT_USER\\QxregTest\\b]\\c]\r\n"
+                                 "\r\n[\"HKEY_CURRENT_USER\\\\QxregTest\\\\c\n\"]\r\n";
     EXPECT_EQ(expected, Qxreg({"export", "-u", "-", "user\\QxregTest"}).m_output);
     EXPECT_EQ(Utf16Of(expected, false), Qxreg({"export", "-", "user\\QxregTest"}).m_output);
     const Tree before = TreeOf(kTop);
