@@ -56,25 +56,16 @@ TEST_F(Migration, MovesEachRootFromTheFileToTheRegistry) {
         "[stray\\a]\nn=x\n\n");
     EXPECT_EQ(Migrate(kIni, kNative), QX_S_OK);
     EXPECT_FALSE(FileIsThere());
-    const struct {
-        int32_t root;
-        const char16_t* path;
-        const char16_t* name;
-        const char16_t* value;
-    } rows[] = {
-        {QX_HKEY_CLASSES, u"", u"", u"zero"},
-        {QX_HKEY_CLASSES_64, u"a\\b", u"n", u"three"},
-        {QX_HKEY_CONFIG, u"k", u"there", u"new"},
-        {QX_HKEY_CONFIG, u"k", u"Mine", u"kept"},
-        {QX_HKEY_CONFIG, u"b", u"n", u"<not found>"},
-        {QX_HKEY_CONFIG_64, u"a", u"n", u"four"},
-        {QX_HKEY_CONFIG_64, u"empty", u"", u"<not found>"},
-        {QX_HKEY_USER, u"a", u"n", u"two"},
-        {QX_HKEY_USER, u"a", u"m", u"<not found>"},
-    };
-    for (const auto& row : rows) {
-        EXPECT_EQ(Text(row.path, row.name, row.root), row.value) << row.root;
-    }
+    constexpr char16_t kNone[] = u"<not found>";
+    EXPECT_EQ(Text(u"", u"", QX_HKEY_CLASSES), u"zero");
+    EXPECT_EQ(Text(u"a\\b", u"n", QX_HKEY_CLASSES), kNone);
+    EXPECT_EQ(Text(u"a\\b", u"n", QX_HKEY_CLASSES_64), u"three");
+    EXPECT_EQ(Text(u"k", u"there", QX_HKEY_CONFIG), u"new");
+    EXPECT_EQ(Text(u"k", u"Mine", QX_HKEY_CONFIG), u"kept");
+    EXPECT_EQ(Text(u"b", u"n", QX_HKEY_CONFIG), kNone);
+    EXPECT_EQ(Text(u"a", u"n", QX_HKEY_CONFIG_64), u"four");
+    EXPECT_EQ(Text(u"a", u"n"), u"two");
+    EXPECT_EQ(Text(u"a", u"m"), kNone);
     EXPECT_EQ(SubkeysOf(u"", QX_HKEY_CONFIG_64), (std::vector<std::u16string>{u"a"}));
     uint32_t length = 0;
     EXPECT_EQ(QXRegistryGetValue(QX_HKEY_USER, u"a", u"n", nullptr, nullptr, &length), QX_S_OK);

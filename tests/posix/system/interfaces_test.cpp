@@ -15,18 +15,6 @@
 
 namespace {
 
-struct NewAddress {
-    in6_addr address;
-    uint32_t prefixLength;
-    int interface;
-};
-
-bool AddLinkLocal(int socket, const char* text) {
-    NewAddress request = {{}, 64, 1};
-    inet_pton(AF_INET6, text, &request.address);
-    return ioctl(socket, SIOCSIFADDR, &request) == 0;
-}
-
 bool MakeNetwork() {
     if (unshare(CLONE_NEWNET) != 0) {
         return false;
@@ -35,8 +23,16 @@ bool MakeNetwork() {
     ifreq up = {};
     std::strcpy(up.ifr_name, "lo");
     up.ifr_flags = IFF_UP;
-    const bool made = ioctl(socket, SIOCSIFFLAGS, &up) == 0 && AddLinkLocal(socket, "fe80::1") &&
-                      AddLinkLocal(socket, "fe80::2");
+    bool made = ioctl(socket, SIOCSIFFLAGS, &up) == 0;
+    for (const char* const text : {"fe80::1", "fe80::2"}) {
+        struct {
+            in6_addr address;
+            uint32_t prefixLength = 64;
+            int interface = 1;
+        } request;
+        inet_pton(AF_INET6, text, &request.address);
+        made = made && ioctl(socket, SIOCSIFADDR, &request) == 0;
+    }
     close(socket);
     return made;
 }
