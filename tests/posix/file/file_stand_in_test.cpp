@@ -311,18 +311,19 @@ TEST_F(FileStandIn, EitherLockGoesThroughAnyHandle) {
     const QXHandle other = Open(Units("file"), kReadWrite);
     for (const uint32_t access : {QX_FILE_READ, QX_FILE_WRITE}) {
         const QXHandle file = Open(Units("file"), access);
-        EXPECT_EQ(QXFileLock(file, 0, 10, 0), QX_S_OK);
-        EXPECT_EQ(QXFileLock(other, 9, 1, 1), QX_E_FAIL);
-        EXPECT_EQ(QXFileUnlock(file, 0, 10), QX_S_OK);
+        EXPECT_EQ(QXFileLock(file, 0, 0, 0), QX_S_OK);
+        EXPECT_EQ(QXFileUnlock(file, 0, 0), QX_S_OK);
+        EXPECT_EQ(QXFileLock(file, 20, 5, 0), QX_S_OK);
+        EXPECT_EQ(QXFileLock(other, 24, 1, 1), QX_E_FAIL);
         EXPECT_EQ(QXFileLock(file, 0, 10, 1), QX_S_OK);
         EXPECT_EQ(QXFileLock(file, 5, 10, 1), QX_S_OK);
         EXPECT_EQ(QXFileUnlock(file, 0, 10), QX_S_OK);
         EXPECT_EQ(QXFileLock(other, 0, 5, 0), QX_S_OK);  // what the second lock does not cover
         EXPECT_EQ(QXFileLock(other, 5, 5, 0), QX_E_FAIL);
         EXPECT_EQ(QXFileUnlock(other, 0, 5), QX_S_OK);
-        EXPECT_EQ(QXFileLock(file, 0, 0, 0), QX_S_OK);
-        EXPECT_EQ(QXFileUnlock(file, 0, 0), QX_S_OK);
         QXFileClose(file);
+        EXPECT_EQ(QXFileLock(other, 0, 99, 0), QX_S_OK);
+        EXPECT_EQ(QXFileUnlock(other, 0, 99), QX_S_OK);
     }
     QXFileClose(other);
 }
