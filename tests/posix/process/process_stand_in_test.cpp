@@ -204,21 +204,16 @@ TEST(ProcessStandIn, FileIsRunWithoutTheSuffixIfOnlyThatIsThere) {
     write("plain", "#!/bin/sh\nexit 3\n", 0755);
     write("data.exe", "#!/bin/sh\nexit 3\n", 0644);
     write("text.exe", "no program\n", 0755);
-    const struct {
-        const char16_t* name;
-        QXResult result;
-        uint32_t code = 0;
-    } cases[] = {{u"/both", QX_S_OK, 2},
-                 {u"\\plain", QX_S_OK, 3},
-                 {u"/plain.exe", QX_S_OK, 3},
-                 {u"/data", QX_E_ACCESSDENIED},
-                 {u"/text", QX_E_FAIL}};
-    for (const auto& each : cases) {
+    const auto codeOf = [&](const char16_t* name) {
         QXHandle child = nullptr;
-        const Wide program = directory.Path().u16string() + each.name;
-        EXPECT_EQ(each.result, Start(program, u"", nullptr, &child));
-        EXPECT_EQ(each.code, QX_SUCCEEDED(each.result) ? CodeOf(child) : 0);
-    }
+        const QXResult result = Start(directory.Path().u16string() + name, u"", nullptr, &child);
+        return QX_SUCCEEDED(result) ? static_cast<QXResult>(CodeOf(child)) : result;
+    };
+    EXPECT_EQ(2, codeOf(u"/both"));
+    EXPECT_EQ(3, codeOf(u"\\plain"));
+    EXPECT_EQ(3, codeOf(u"/plain.exe"));
+    EXPECT_EQ(QX_E_ACCESSDENIED, codeOf(u"/data"));
+    EXPECT_EQ(QX_E_FAIL, codeOf(u"/text"));
     EXPECT_FALSE(HasChildren());
 }
 
