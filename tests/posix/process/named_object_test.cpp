@@ -53,38 +53,24 @@ bool LeavesNothingBehind(const std::string& name) {
 }
 
 // A child that does `action`, says that it has, and stays.
-class StayingChild {
-  public:
-    template <typename Action>
-    explicit StayingChild(Action action)
-        : m_process([&] {
-              action();
-              *m_done = true;
-              for (;;) {
-                  pause();
-              }
-              return 0;
-          }) {
-        while (!*m_done) {
-            std::this_thread::yield();
+ForkedChild StayingChild(const std::function<void()>& action) {
+    SharedWithChildren<std::atomic<bool>> done;
+    ForkedChild child([&] {
+        action();
+        *done = true;
+        for (;;) {
+            pause();
         }
+        return 0;
+    });
+    while (!*done) {
+        std::this_thread::yield();
     }
-    void Kill() { m_process.Kill(); }
-
-  private:
-    SharedWithChildren<std::atomic<bool>> m_done;
-    ForkedChild m_process;
-};
+    return child;
+}
 
 bool IsTrueInChild(const std::function<bool()>& body) {
     return ForkedChild(body).Wait() == 1;
-}
-
-bool IsAsleep(pid_t process) {
-    std::ifstream file("/proc/" + std::to_string(process) + "/wchan");
-    std::string where;
-    file >> where;
-    return where.find("futex") < 3;
 }
 
 // A child that takes from the semaphore and is asleep over it.
@@ -95,7 +81,8 @@ ForkedChild SleepingChild(const std::string& name) {
         *id = getpid();
         return QXNamedSemWait(semaphore) == QX_S_OK ? 0 : 1;
     });
-    while (*id == 0 || !IsAsleep(*id)) {
+    while (*id == 0 ||
+           ReadFile("/proc/" + std::to_string(*id) + "/wchan").find("futex") == std::string::npos) {
         std::this_thread::yield();
     }
     return child;
@@ -120,8 +107,8 @@ TEST(NamedObject, IsFreshAfterAllHoldersWereKilledAndStaysWhileOneLives) {
         EXPECT_EQ(0, view[4999]);
         QXSharedMemDetach(view);
     };
-    StayingChild first(hold);
-    StayingChild second(hold);
+    ForkedChild first = StayingChild(hold);
+    ForkedChild second = StayingChild(hold);
     first.Kill();
     look(QX_S_OK, QX_S_OK);
     second.Kill();
@@ -134,7 +121,7 @@ TEST(NamedObject, IsKeptByAForkedChild) {
     const std::string name = UniqueName();
     const QXHandle semaphore = OpenSemaphore(name, 1);
     char* const view = AttachMemory(name, 10, kNew);
-    StayingChild child([] {});
+    ForkedChild child = StayingChild([] {});
     QXNamedSemClose(semaphore);
     QXSharedMemDetach(view);
     QXSharedMemDetach(AttachMemory(name, 10, QX_S_OK));
@@ -273,7 +260,7 @@ TEST(NamedObject, UsersShareItWhateverTheirMasks) {
         }
         for (const uid_t maker : {65534, 0}) {
             const std::string name = UniqueName();
-            StayingChild holder([&] {
+            ForkedChild holder = StayingChild([&] {
                 umask(0077);
                 EXPECT_TRUE(Become(maker));
                 OpenSemaphore(name, 1);
