@@ -144,26 +144,51 @@ u32 CheckValue(std::u16string_view name, const ValueTarget& target) noexcept {
     return valid ? kErrorSuccess : kErrorInvalidParameter;
 }
 
+// The row is the remembered one, which need not be there any more, or not be this value's.
+bool Overwrite(RegistryStore& store, const StoredValue& value, std::string_view folded) {
+    Query(store, Statement::kOverwriteValue)
+        .Bind(1, value.m_key)
+        .Bind(2, folded)
+        .Bind(3, value.m_row)
+        .Bind(4, i64{value.m_type})
+        .Bind(5, value.m_data)
+        .Step();
+    return sqlite::changes(store.Database()) != 0;
+}
+
 // Writes nothing below a key that is gone.
+bool AddOrOverwrite(RegistryStore& store, StoredValue& value, std::string_view folded,
+                    std::u16string_view name) {
+    const std::string spelled = StoredName(name);
+    Query(store, Statement::kWriteValue)
+        .Bind(1, value.m_key)
+        .Bind(2, folded)
+        .Bind(3, spelled)
+        .Bind(4, i64{value.m_type})
+        .Bind(5, value.m_data)
+        .Step();
+    value.m_row = store.Connection().WrittenRow();
+    return sqlite::changes(store.Database()) != 0;
+}
+
 u32 WriteValue(RegistryStore& store, i64 id, std::u16string_view name, u32 type,
                std::string_view data) {
     store.OpenForWriting();
+    RegistryCache& cache = store.Memory().Cache();
+    FoldedText key;
+    const bool canBeKept = key.SetName(name);
+    StoredValue value{.m_key = id,
+                      .m_row = canBeKept ? RowRemembered(cache, id, key.Get()) : 0,
+                      .m_type = type,
+                      .m_data = data};
     const std::string folded = FoldedName(name);
-    const std::string spelled = StoredName(name);
     StoreMemory::OwnWrite write(store.Memory(), store.Connection());
-    Query(store, Statement::kWriteValue)
-        .Bind(1, id)
-        .Bind(2, folded)
-        .Bind(3, spelled)
-        .Bind(4, i64{type})
-        .Bind(5, data)
-        .Step();
-    if (sqlite::changes(store.Database()) == 0) {
+    const bool overwritten = value.m_row != 0 && Overwrite(store, value, folded);
+    if (!overwritten && !AddOrOverwrite(store, value, folded, name)) {
         return kErrorKeyDeleted;
     }
-    FoldedText key;
-    if (key.SetName(name) && write.CanFollow()) {
-        KeepWritten(store.Memory().Cache(), id, key.Get(), type, data);
+    if (canBeKept && write.CanFollow()) {
+        KeepWritten(cache, key.Get(), value);
         write.Follow();
     }
     return kErrorSuccess;

@@ -23,11 +23,13 @@ constexpr std::array<const char*, kStatementCount> kTexts{
     "SELECT folded, name FROM keys WHERE parent=?1 AND folded>?2 ORDER BY folded LIMIT 1",
     "DELETE FROM keys WHERE id=?1",
     "DELETE FROM vals WHERE key=?1",
-    "SELECT type, data FROM vals WHERE key=?1 AND folded=?2",
+    "SELECT id, type, data FROM vals WHERE key=?1 AND folded=?2",
     // Nothing is written below a key that is gone.
     "INSERT INTO vals(key, folded, name, type, data)"
     " SELECT ?1, ?2, ?3, ?4, ?5 FROM keys WHERE id=?1"
     " ON CONFLICT(key, folded) DO UPDATE SET type=excluded.type, data=excluded.data",
+    // A value that is there has its key.
+    "UPDATE vals SET type=?4, data=?5 WHERE id=?3 AND key=?1 AND folded=?2",
     "SELECT id, name, type, data FROM vals WHERE key=?1 AND id>?2 ORDER BY id LIMIT 1",
     "DELETE FROM vals WHERE key=?1 AND folded=?2",
     "SELECT folded, name FROM keys WHERE parent=?1 ORDER BY folded",
@@ -133,7 +135,7 @@ bool CannotMakeSideFiles(int status) noexcept {
 }
 
 StoreFiles LookBeforeOpening(const StorePaths& paths) {
-    RefuseUnlessRegular(paths.m_journal);
+    LookAt(paths.m_journal);
     return LookAt(paths);
 }
 
@@ -177,6 +179,7 @@ int StoreConnection::Configure() noexcept {
     sqlite::db_config(database, SQLITE_DBCONFIG_ENABLE_TRIGGER, 0, nullptr);
     sqlite::db_config(database, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
     m_steps.Watch(database);
+    sqlite::update_hook(database, NoteRow, this);
     if (!TakesLocks()) {
         // Then SQLite makes an index of the log of its own and leaves the common one alone.
         sqlite::exec(database, "PRAGMA locking_mode=EXCLUSIVE", nullptr, nullptr, nullptr);
@@ -205,6 +208,7 @@ void StoreConnection::Fill(StoreNumber number, mode_t sideFileMode) {
 void StoreConnection::Settle() {
     const bool logged = TakesLocks() && !m_snapshot && UseLog(Database());
     if (logged) {
+        m_log = FileWatch(m_paths.m_log);
         m_index = FileWatch(m_paths.m_index);
         m_index.IsWhole();  // takes its length
     }
@@ -239,6 +243,11 @@ bool StoreConnection::IsSafe() {
         return IsInPlace();
     }
     return !m_logged || m_index.IsWhole();
+}
+
+bool StoreConnection::IsWhole() {
+    return m_logged ? m_index.IsWhole() && m_log.Holds(LogSizeByIndex()) && IsToTheSameFile()
+                    : IsInPlace();
 }
 
 // The index first: by the look at the log, whoever writes has only made that longer.

@@ -29,12 +29,13 @@ enum class Statement : u8 {
     kDeleteKeyValues,
     kReadValue,
     kWriteValue,
+    kOverwriteValue,
     kNextValue,
     kDeleteValue,
     kAllKeys,
     kAllValues,
 };
-inline constexpr std::size_t kStatementCount = 16;
+inline constexpr std::size_t kStatementCount = 17;
 
 // The rights with which a thread acts at present.
 struct EffectiveIds {
@@ -96,6 +97,8 @@ class StoreConnection {
     sqlite3* Database() const noexcept { return m_database.get(); }
     // A statement, ready to be run.
     sqlite3_stmt* Prepared(Statement which);
+    // The row that a statement wrote last.
+    i64 WrittenRow() const noexcept { return m_writtenRow; }
     bool IsReadOnly() const noexcept { return sqlite::db_readonly(Database(), "main") == 1; }
     const FileState& File() const noexcept { return m_files.m_database; }
     const StorePaths& Paths() const noexcept { return m_paths; }
@@ -110,10 +113,13 @@ class StoreConnection {
     // Cheap, for every operation: what the process has mapped is there in its whole length. Without
     // that a look at the mapping would end the process.
     bool IsSafe();
-    // Looks at the places: the files there are the ones in use, and whole.
+    // Before a write: the database is at its place, and its side files are not removed and are
+    // whole.
+    bool IsWhole();
+    // Looks at all places: the files there are the ones in use, and whole.
     bool IsInPlace();
     // The database at least is still the one in use.
-    bool IsToTheSameFile() { return LookAt(m_paths).m_database.IsSameFile(m_files.m_database); }
+    bool IsToTheSameFile() { return LookAt(m_paths.m_database).IsSameFile(m_files.m_database); }
 
     // Removes those side files that must not meet what is at the database's place now. To be called
     // on a connection that is not in place; it can only be closed then. Throws if a file of the old
@@ -135,6 +141,9 @@ class StoreConnection {
 
     int Configure() noexcept;
     void OpenSnapshot();
+    static void NoteRow(void* self, int, const char*, const char*, sqlite3_int64 row) noexcept {
+        static_cast<StoreConnection*>(self)->m_writtenRow = row;
+    }
     i64 LogSizeByIndex() const noexcept;
     bool Fits(const StoreFiles& now, i64 logSize) const noexcept;
     void RemoveFilesOfMine(const StoreFiles& now) noexcept;
@@ -146,7 +155,9 @@ class StoreConnection {
     StepLimit m_steps;
     std::unique_ptr<sqlite3, Closer> m_database;
     std::array<sqlite3_stmt*, kStatementCount> m_prepared{};
+    FileWatch m_log;
     FileWatch m_index;
+    i64 m_writtenRow = 0;
     bool m_logged = false;
     bool m_snapshot = false;
 };

@@ -25,22 +25,6 @@ struct Freer {
     void operator()(char* text) const noexcept { ::free(text); }
 };
 
-FileState StateOf(const std::string& path) {
-    struct stat status;
-    if (::lstat(path.c_str(), &status) != 0) {
-        const int error = errno;
-        if (error == ENOENT || error == ENOTDIR) {
-            return {};
-        }
-        ThrowErrno(error);
-    }
-    if (!S_ISREG(status.st_mode)) {
-        throw StoreFailure{kErrorBadDatabase, false};
-    }
-    return {status.st_dev, status.st_ino, status.st_size,
-            i64{1'000'000'000} * status.st_mtim.tv_sec + status.st_mtim.tv_nsec};
-}
-
 // The program's standard streams may be closed; nothing of ours takes their place.
 int OpenToName(const char* path) noexcept {
     const int file = ::open(path, O_PATH | O_CLOEXEC | O_NOFOLLOW);
@@ -68,12 +52,24 @@ StorePaths PathsOf(const std::string& database) {
     return {path, path + "-wal", path + "-shm", path + "-journal"};
 }
 
-StoreFiles LookAt(const StorePaths& paths) {
-    return {StateOf(paths.m_database), StateOf(paths.m_log), StateOf(paths.m_index)};
+FileState LookAt(const std::string& path) {
+    struct stat status;
+    if (::lstat(path.c_str(), &status) != 0) {
+        const int error = errno;
+        if (error == ENOENT || error == ENOTDIR) {
+            return {};
+        }
+        ThrowErrno(error);
+    }
+    if (!S_ISREG(status.st_mode)) {
+        throw StoreFailure{kErrorBadDatabase, false};
+    }
+    return {status.st_dev, status.st_ino, status.st_size,
+            i64{1'000'000'000} * status.st_mtim.tv_sec + status.st_mtim.tv_nsec};
 }
 
-void RefuseUnlessRegular(const std::string& path) {
-    StateOf(path);
+StoreFiles LookAt(const StorePaths& paths) {
+    return {LookAt(paths.m_database), LookAt(paths.m_log), LookAt(paths.m_index)};
 }
 
 void SetSideFileModes(const StorePaths& paths, mode_t mode) noexcept {
@@ -102,13 +98,22 @@ FileWatch& FileWatch::operator=(FileWatch&& other) noexcept {
     return *this;
 }
 
-bool FileWatch::IsWhole() noexcept {
+i64 FileWatch::Size() const noexcept {
     struct stat status;
-    if (::fstat(m_descriptor, &status) != 0 || status.st_nlink == 0 || status.st_size < m_size) {
+    return ::fstat(m_descriptor, &status) == 0 && status.st_nlink != 0 ? status.st_size : -1;
+}
+
+bool FileWatch::IsWhole() noexcept {
+    const i64 size = Size();
+    if (size < m_size) {
         return false;
     }
-    m_size = status.st_size;
+    m_size = size;
     return true;
+}
+
+bool FileWatch::Holds(i64 size) const noexcept {
+    return Size() >= size;
 }
 
 }  // namespace platform

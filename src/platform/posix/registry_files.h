@@ -49,8 +49,8 @@ StorePaths PathsOf(const std::string& database);
 
 // What is there now. 1009 if anything but a regular file is at one of the places: SQLite would wait
 // at a pipe, and follow a link to what is not its own.
+FileState LookAt(const std::string& path);
 StoreFiles LookAt(const StorePaths& paths);
-void RefuseUnlessRegular(const std::string& path);
 
 // Gives the side files the database's own mode. They take the mode that it has when they are made,
 // which, if another process made it, may still be a narrower one.
@@ -70,8 +70,13 @@ class FileWatch {
 
     // False once the file has lost its name or has become shorter than it was.
     bool IsWhole() noexcept;
+    // False once it has lost its name or is shorter than that.
+    bool Holds(i64 size) const noexcept;
 
   private:
+    // Less than nothing for a file without a name.
+    i64 Size() const noexcept;
+
     int m_descriptor = -1;
     i64 m_size = 0;
 };

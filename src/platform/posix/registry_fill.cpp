@@ -16,6 +16,19 @@ void Publish(RegistryCache& cache, const NewCacheEntry& from) noexcept {
     }
 }
 
+// A row that has no number of ours is not kept: the file is somebody else's work.
+void PublishValue(RegistryCache& cache, std::u16string_view folded,
+                  const StoredValue& value) noexcept {
+    if (value.m_row > 0 && value.m_data.size() <= RegistryCache::kMostValue) {
+        Publish(cache, {.m_kind = CacheKind::kValue,
+                        .m_owner = value.m_key,
+                        .m_number = value.m_row,
+                        .m_type = value.m_type,
+                        .m_folded = folded,
+                        .m_data = value.m_data});
+    }
+}
+
 // The entries of a list while it is read. Nobody finds them before all have been.
 class ListReader {
   public:
@@ -116,15 +129,9 @@ void MemoryFill::KeepAbsence(CacheKind kind, i64 owner, std::u16string_view fold
     Keep({.m_kind = kind, .m_owner = owner, .m_number = 0, .m_folded = folded});
 }
 
-void MemoryFill::KeepValue(i64 key, std::u16string_view folded, u32 type,
-                           std::string_view data) noexcept {
-    if (data.size() <= RegistryCache::kMostValue) {
-        Keep({.m_kind = CacheKind::kValue,
-              .m_owner = key,
-              .m_number = 1,
-              .m_type = type,
-              .m_folded = folded,
-              .m_data = data});
+void MemoryFill::KeepValue(std::u16string_view folded, const StoredValue& value) noexcept {
+    if (MayKeep()) {
+        PublishValue(m_memory.Cache(), folded, value);
     }
 }
 
@@ -145,17 +152,10 @@ void KeepDeleted(RegistryCache& cache, i64 key, std::u16string_view folded) noex
     cache.Forget(CacheKind::kValueList, key, {});
 }
 
-void KeepWritten(RegistryCache& cache, i64 key, std::u16string_view folded, u32 type,
-                 std::string_view data) noexcept {
-    KeepDeleted(cache, key, folded);
-    if (data.size() <= RegistryCache::kMostValue) {
-        Publish(cache, {.m_kind = CacheKind::kValue,
-                        .m_owner = key,
-                        .m_number = 1,
-                        .m_type = type,
-                        .m_folded = folded,
-                        .m_data = data});
-    }
+void KeepWritten(RegistryCache& cache, std::u16string_view folded,
+                 const StoredValue& value) noexcept {
+    KeepDeleted(cache, value.m_key, folded);
+    PublishValue(cache, folded, value);
 }
 
 }  // namespace platform

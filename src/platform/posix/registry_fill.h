@@ -8,6 +8,14 @@
 
 namespace platform {
 
+// A value as it stands in the store.
+struct StoredValue {
+    i64 m_key;
+    i64 m_row;
+    u32 m_type;
+    std::string_view m_data;
+};
+
 // Made before the reading. Keeps nothing if the store is being written.
 class MemoryFill {
   public:
@@ -25,7 +33,7 @@ class MemoryFill {
 
     void KeepKey(i64 base, std::u16string_view path, i64 id) noexcept;
     void KeepAbsence(CacheKind kind, i64 owner, std::u16string_view folded) noexcept;
-    void KeepValue(i64 key, std::u16string_view folded, u32 type, std::string_view data) noexcept;
+    void KeepValue(std::u16string_view folded, const StoredValue& value) noexcept;
 
   private:
     void Keep(const NewCacheEntry& entry) noexcept;
@@ -40,8 +48,8 @@ void KeepKeys(RegistryStore& store, i64 id, u32 index);
 void KeepValues(RegistryStore& store, i64 id, u32 index);
 
 // Brings the cache up to date with a value that this process wrote.
-void KeepWritten(RegistryCache& cache, i64 key, std::u16string_view folded, u32 type,
-                 std::string_view data) noexcept;
+void KeepWritten(RegistryCache& cache, std::u16string_view folded,
+                 const StoredValue& value) noexcept;
 void KeepDeleted(RegistryCache& cache, i64 key, std::u16string_view folded) noexcept;
 
 }  // namespace platform

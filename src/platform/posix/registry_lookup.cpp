@@ -95,9 +95,12 @@ u32 ReadStoredValue(RegistryStore& store, i64 id, std::u16string_view name,
         return error;
     }
     if (folded != nullptr) {
-        fill.KeepValue(id, folded->Get(), static_cast<u32>(query.Integer(0)), query.Blob(1));
+        fill.KeepValue(folded->Get(), {.m_key = id,
+                                       .m_row = query.Integer(0),
+                                       .m_type = static_cast<u32>(query.Integer(1)),
+                                       .m_data = query.Blob(2)});
     }
-    return CopyValue(query, 0, target);
+    return CopyValue(query, 1, target);
 }
 
 void RestartKeysIfBehind(KeyWalk& walk, u32 index) noexcept {
@@ -245,6 +248,11 @@ u32 ReadRemembered(const RegistryCache& cache, i64 id, std::u16string_view name,
     }
     return value->m_number != 0 ? CopyValue(value->m_type, value->Data(), value->m_size, target)
                                 : static_cast<u32>(kErrorFileNotFound);
+}
+
+i64 RowRemembered(const RegistryCache& cache, i64 id, std::u16string_view name) noexcept {
+    const CacheEntry* const value = cache.Find(CacheKind::kValue, id, name);
+    return value != nullptr ? value->m_number : 0;
 }
 
 u32 NextRememberedValue(const RegistryCache& cache, i64 id, u32 index, KeyWalk& walk,

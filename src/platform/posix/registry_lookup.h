@@ -40,6 +40,8 @@ u32 OpenRemembered(const RegistryCache& cache, i64 base, std::u16string_view pat
                    i64& id) noexcept;
 u32 ReadRemembered(const RegistryCache& cache, i64 id, std::u16string_view name,
                    const ValueTarget& target) noexcept;
+// 0 if there is none, or it is not known.
+i64 RowRemembered(const RegistryCache& cache, i64 id, std::u16string_view name) noexcept;
 u32 NextRememberedKey(const RegistryCache& cache, i64 id, u32 index, KeyWalk& walk,
                       const NameTarget& name) noexcept;
 u32 NextRememberedValue(const RegistryCache& cache, i64 id, u32 index, KeyWalk& walk,

@@ -42,9 +42,8 @@ time_t StoreMemory::Second() noexcept {
 }
 
 bool StoreMemory::RightsHold() const noexcept {
-    return m_rightsDoNotMatter.load(std::memory_order_relaxed) ||
-           (m_user.load(std::memory_order_relaxed) == ::geteuid() &&
-            m_group.load(std::memory_order_relaxed) == ::getegid());
+    return RightsDoNotMatter() || (m_user.load(std::memory_order_relaxed) == ::geteuid() &&
+                                   m_group.load(std::memory_order_relaxed) == ::getegid());
 }
 
 bool StoreMemory::IsCurrent() const noexcept {

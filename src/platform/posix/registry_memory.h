@@ -27,6 +27,10 @@ class StoreMemory {
     bool IsCurrent() const noexcept;
     // Whether the thread acts with the rights with which the store was read.
     bool RightsHold() const noexcept;
+    // No thread of the process can ever act with others.
+    bool RightsDoNotMatter() const noexcept {
+        return m_rightsDoNotMatter.load(std::memory_order_relaxed);
+    }
     RegistryCache& Cache() noexcept { return m_cache; }
     StoreWord& Word() noexcept { return m_word; }
     const StoreWord& Word() const noexcept { return m_word; }

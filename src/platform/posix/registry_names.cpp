@@ -20,19 +20,23 @@ char16_t FoldUnit(char16_t unit) noexcept {
     return folded < 0x10000 && u_tolower(folded) == unit ? static_cast<char16_t>(folded) : unit;
 }
 
-void AppendUnit(std::string& stored, char16_t unit) {
-    stored += static_cast<char>(unit >> 8);
-    stored += static_cast<char>(unit & 0xFF);
-}
-
 char16_t UnitAt(std::string_view stored, std::size_t offset) noexcept {
     const u32 high = static_cast<u8>(stored[offset]);
     return static_cast<char16_t>(high << 8 | static_cast<u8>(stored[offset + 1]));
 }
 
-void AppendFolded(std::string& stored, std::u16string_view name) {
-    for (const char16_t unit : name) {
-        AppendUnit(stored, FoldUnit(unit));
+char16_t SameUnit(char16_t unit) noexcept {
+    return unit;
+}
+
+template <char16_t (*kMap)(char16_t) noexcept>
+void Append(std::string& stored, std::u16string_view name) {
+    std::size_t at = stored.size();
+    stored.resize(at + 2 * name.size());
+    for (char16_t unit : name) {
+        unit = kMap(unit);
+        stored[at++] = static_cast<char>(unit >> 8);
+        stored[at++] = static_cast<char>(unit & 0xFF);
     }
 }
 
@@ -40,9 +44,7 @@ void AppendFolded(std::string& stored, std::u16string_view name) {
 
 void AssignStoredName(std::string& stored, std::u16string_view units) {
     stored.clear();
-    for (const char16_t unit : units) {
-        AppendUnit(stored, unit);
-    }
+    Append<SameUnit>(stored, units);
 }
 
 int CompareWithStored(std::u16string_view units, std::string_view stored) noexcept {
@@ -57,15 +59,13 @@ int CompareWithStored(std::u16string_view units, std::string_view stored) noexce
 
 std::string StoredName(std::u16string_view name) {
     std::string stored;
-    stored.reserve(2 * name.size());
-    AssignStoredName(stored, name);
+    Append<SameUnit>(stored, name);
     return stored;
 }
 
 std::string FoldedName(std::u16string_view name) {
     std::string stored;
-    stored.reserve(2 * name.size());
-    AppendFolded(stored, name);
+    Append<FoldUnit>(stored, name);
     return stored;
 }
 
@@ -112,8 +112,8 @@ bool TakeComponent(const char16_t*& path, std::u16string_view& component) noexce
 }
 
 void AppendFoldedComponent(std::string& path, std::u16string_view component) {
-    AppendUnit(path, kSeparator);
-    AppendFolded(path, component);
+    Append<SameUnit>(path, {&kSeparator, 1});
+    Append<FoldUnit>(path, component);
 }
 
 bool AppendFoldedPath(std::string& path, const char16_t* more) {

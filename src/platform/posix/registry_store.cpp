@@ -48,7 +48,7 @@ void RegistryStore::DropUnlessUsable(Purpose purpose) {
     if (m_connection == nullptr) {
         return;
     }
-    if (m_connection->BelongsToOthers()) {
+    if (!m_memory.RightsDoNotMatter() && m_connection->BelongsToOthers()) {
         Close();
         ForgetLocation();
         return;
@@ -58,8 +58,9 @@ void RegistryStore::DropUnlessUsable(Purpose purpose) {
         return;
     }
     const bool newSecond = m_memory.IsTimeToLook();
-    const bool looks = newSecond || purpose == Purpose::kWrite;
-    if (!(looks ? m_connection->IsInPlace() : m_connection->IsSafe())) {
+    if (!(newSecond                    ? m_connection->IsInPlace()
+          : purpose == Purpose::kWrite ? m_connection->IsWhole()
+                                       : m_connection->IsSafe())) {
         Follow();
     } else if (newSecond) {
         m_memory.Look(*m_connection);
