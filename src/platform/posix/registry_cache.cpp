@@ -2,6 +2,7 @@
 
 #include <sys/single_threaded.h>
 
+#include <algorithm>
 #include <cstring>
 #include <new>
 #include <span>
@@ -121,9 +122,7 @@ CacheEntry* RegistryCache::New(const NewCacheEntry& from) noexcept {
         entry->m_size = static_cast<u32>(from.m_data.size());
         UnitsOfStoredName(from.m_storedName,
                           static_cast<char16_t*>(entry->Body()) + from.m_folded.size());
-        if (!from.m_data.empty()) {
-            std::memcpy(const_cast<void*>(entry->Data()), from.m_data.data(), from.m_data.size());
-        }
+        std::copy(from.m_data.begin(), from.m_data.end(), entry->DataToChange());
     }
     return entry;
 }
@@ -205,13 +204,37 @@ void RegistryCache::Forget(CacheKind kind, i64 owner, std::u16string_view folded
     }
 }
 
-bool RegistryCache::Empty() noexcept {
-    if (m_users.fetch_or(kClosed, std::memory_order_acquire) != 0) {
-        for (int pause = 0; Users() != kClosed && pause < kMostPauses; ++pause) {
-            PauseProcessor();
-        }
+bool RegistryCache::Close(int mostPauses) noexcept {
+    if (m_users.fetch_or(kClosed, std::memory_order_acquire) == 0) {
+        return true;
     }
-    const bool nobodyLooks = m_users.load(std::memory_order_acquire) == kClosed;
+    for (int pause = 0; Users() != kClosed && pause < mostPauses; ++pause) {
+        PauseProcessor();
+    }
+    return m_users.load(std::memory_order_acquire) == kClosed;
+}
+
+void RegistryCache::Reopen() noexcept {
+    m_users.fetch_and(~kClosed, std::memory_order_release);
+}
+
+bool RegistryCache::Overwrite(const NewCacheEntry& with) noexcept {
+    auto* const entry = const_cast<CacheEntry*>(Find(with.m_kind, with.m_owner, with.m_folded));
+    if (entry == nullptr || entry->m_number != with.m_number ||
+        entry->m_size != with.m_data.size()) {
+        return false;
+    }
+    const bool nobodyLooks = Close(0);
+    if (nobodyLooks) {
+        entry->m_type = with.m_type;
+        std::copy(with.m_data.begin(), with.m_data.end(), entry->DataToChange());
+    }
+    Reopen();
+    return nobodyLooks;
+}
+
+bool RegistryCache::Empty() noexcept {
+    const bool nobodyLooks = Close(kMostPauses);
     if (nobodyLooks) {
         m_epoch.fetch_add(1, std::memory_order_relaxed);
         m_table.store(nullptr, std::memory_order_relaxed);
@@ -220,7 +243,7 @@ bool RegistryCache::Empty() noexcept {
         m_missesWhenFull = 0;
         m_isFull = false;
     }
-    m_users.fetch_and(~kClosed, std::memory_order_release);
+    Reopen();
     return nobodyLooks;
 }
 

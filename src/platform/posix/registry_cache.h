@@ -1,14 +1,15 @@
 // What a process remembers of a store: the keys and values that it read, absence included.
 //
 // Anybody in the process may look things up while one thread, which holds the store's lock, adds to
-// it: an entry never changes and its memory is never used for another as long as somebody looks.
+// it: no entry changes and its memory is never used for another as long as somebody looks.
 // An entry is complete before the one store that makes it findable (release), and is found by a
 // load of that pointer (acquire). An entry that is not found is no answer, so nothing goes wrong
 // for somebody who looks while entries move to a larger table.
 //
-// m_users counts those who look. Whoever empties the cache first turns newcomers away and goes on
-// only when there is nobody; it never waits for long, and never for a thread that it interrupted,
-// since nobody who holds the store's lock may wait for a handler that itself wants that lock.
+// m_users counts those who look. Whoever empties the cache, or changes an entry, first turns
+// newcomers away and goes on only when there is nobody; it never waits for long, and never for a
+// thread that it interrupted, since nobody who holds the store's lock may wait for a handler that
+// itself wants that lock.
 #ifndef QX_PLATFORM_POSIX_REGISTRY_CACHE_H
 #define QX_PLATFORM_POSIX_REGISTRY_CACHE_H
 
@@ -47,6 +48,7 @@ struct CacheEntry {
     std::u16string_view Name() const noexcept { return {Units() + m_foldedUnits, m_nameUnits}; }
     const void* Data() const noexcept { return Units() + m_foldedUnits + m_nameUnits; }
     void* Body() noexcept { return this + 1; }
+    char* DataToChange() noexcept { return static_cast<char*>(const_cast<void*>(Data())); }
     const CacheEntry* const* Items() const noexcept {
         return reinterpret_cast<const CacheEntry* const*>(this + 1);
     }
@@ -94,6 +96,9 @@ class RegistryCache {
     CacheEntry* NewList(CacheKind kind, i64 owner, const CacheEntry* const* items,
                         std::size_t count) noexcept;
     void Publish(CacheEntry* entry) noexcept;
+    // Gives an entry other data of the same size, in its place. False, and nothing done, if there
+    // is none, or while somebody looks.
+    bool Overwrite(const NewCacheEntry& with) noexcept;
     // Nobody finds it any more.
     void Forget(CacheKind kind, i64 owner, std::u16string_view folded) noexcept;
 
@@ -117,6 +122,9 @@ class RegistryCache {
         Bucket m_buckets[];
     };
 
+    // Turns newcomers away until Reopen. False if somebody still looks after so many pauses.
+    bool Close(int mostPauses) noexcept;
+    void Reopen() noexcept;
     void* Take(std::size_t size) noexcept;
     CacheEntry* NewEntry(CacheKind kind, i64 owner, std::u16string_view folded,
                          std::size_t more) noexcept;

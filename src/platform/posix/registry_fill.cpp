@@ -16,16 +16,19 @@ void Publish(RegistryCache& cache, const NewCacheEntry& from) noexcept {
     }
 }
 
+NewCacheEntry EntryOf(std::u16string_view folded, const StoredValue& value) noexcept {
+    return {.m_kind = CacheKind::kValue,
+            .m_owner = value.m_key,
+            .m_number = value.m_row,
+            .m_type = value.m_type,
+            .m_folded = folded,
+            .m_data = value.m_data};
+}
+
 // A row that has no number of ours is not kept: the file is somebody else's work.
-void PublishValue(RegistryCache& cache, std::u16string_view folded,
-                  const StoredValue& value) noexcept {
-    if (value.m_row > 0 && value.m_data.size() <= RegistryCache::kMostValue) {
-        Publish(cache, {.m_kind = CacheKind::kValue,
-                        .m_owner = value.m_key,
-                        .m_number = value.m_row,
-                        .m_type = value.m_type,
-                        .m_folded = folded,
-                        .m_data = value.m_data});
+void PublishValue(RegistryCache& cache, const NewCacheEntry& value) noexcept {
+    if (value.m_number > 0 && value.m_data.size() <= RegistryCache::kMostValue) {
+        Publish(cache, value);
     }
 }
 
@@ -131,7 +134,7 @@ void MemoryFill::KeepAbsence(CacheKind kind, i64 owner, std::u16string_view fold
 
 void MemoryFill::KeepValue(std::u16string_view folded, const StoredValue& value) noexcept {
     if (MayKeep()) {
-        PublishValue(m_memory.Cache(), folded, value);
+        PublishValue(m_memory.Cache(), EntryOf(folded, value));
     }
 }
 
@@ -154,8 +157,11 @@ void KeepDeleted(RegistryCache& cache, i64 key, std::u16string_view folded) noex
 
 void KeepWritten(RegistryCache& cache, std::u16string_view folded,
                  const StoredValue& value) noexcept {
-    KeepDeleted(cache, value.m_key, folded);
-    PublishValue(cache, folded, value);
+    const NewCacheEntry entry = EntryOf(folded, value);
+    if (!cache.Overwrite(entry)) {
+        KeepDeleted(cache, value.m_key, folded);
+        PublishValue(cache, entry);
+    }
 }
 
 }  // namespace platform

@@ -1,7 +1,9 @@
 #include "registry_vfs.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdio>
+#include <cstring>
 #include <new>
 
 #include "platform/errors.h"
@@ -27,15 +29,29 @@ struct FileAddition {
     sqlite3_io_methods m_methods;
 };
 
+// What stands behind the system's part of an open log. A frame is a header and a page, which SQLite
+// writes one right behind the other: the header of a frame at the log's end waits for its page.
+struct LogAddition {
+    static constexpr int kHeader = 24;
+    static constexpr int kMostPage = 4096;
+
+    const sqlite3_io_methods* m_system;
+    sqlite3_int64 m_end;  // behind what was written last
+    bool m_hasHeader;
+    char m_frame[kHeader + kMostPage];
+    sqlite3_io_methods m_methods;
+};
+
 constexpr std::size_t RoundUp(std::size_t size) noexcept {
-    constexpr std::size_t kUnit = alignof(FileAddition);
+    constexpr std::size_t kUnit = alignof(std::max_align_t);
     return (size + kUnit - 1) / kUnit * kUnit;
 }
 
-FileAddition& AdditionOf(sqlite3_file* file) noexcept {
+template <typename Addition = FileAddition>
+Addition& AdditionOf(sqlite3_file* file) noexcept {
     auto* const start = reinterpret_cast<std::byte*>(file);
-    return *reinterpret_cast<FileAddition*>(start +
-                                            RoundUp(static_cast<std::size_t>(s_system->szOsFile)));
+    return *reinterpret_cast<Addition*>(start +
+                                        RoundUp(static_cast<std::size_t>(s_system->szOsFile)));
 }
 
 int DoNotSleep(sqlite3_vfs*, int microseconds) {
@@ -72,10 +88,66 @@ int LockAndMark(sqlite3_file* file, int first, int count, int how) {
     return status;
 }
 
+int WriteHeader(sqlite3_file* file, LogAddition& log) {
+    if (!log.m_hasHeader) {
+        return SQLITE_OK;
+    }
+    log.m_hasHeader = false;
+    return log.m_system->xWrite(file, log.m_frame, LogAddition::kHeader, log.m_end);
+}
+
+int WriteFrame(sqlite3_file* file, LogAddition& log, const void* page, int size) {
+    log.m_hasHeader = false;
+    std::memcpy(log.m_frame + LogAddition::kHeader, page, static_cast<std::size_t>(size));
+    return log.m_system->xWrite(file, log.m_frame, LogAddition::kHeader + size, log.m_end);
+}
+
+int WriteLog(sqlite3_file* file, const void* data, int size, sqlite3_int64 at) {
+    auto& log = AdditionOf<LogAddition>(file);
+    if (size == LogAddition::kHeader && at == log.m_end && !log.m_hasHeader) {
+        std::memcpy(log.m_frame, data, LogAddition::kHeader);
+        log.m_hasHeader = true;
+        return SQLITE_OK;
+    }
+    const bool isPage = at == log.m_end + LogAddition::kHeader && size <= LogAddition::kMostPage;
+    int status;
+    if (log.m_hasHeader && isPage) {
+        status = WriteFrame(file, log, data, size);
+    } else {
+        status = WriteHeader(file, log);
+        status = status == SQLITE_OK ? log.m_system->xWrite(file, data, size, at) : status;
+    }
+    log.m_end = at + size;
+    return status;
+}
+
+// Whatever else is done with a log finds it written.
+template <auto kMethod, typename... Arguments>
+int OnWrittenLog(sqlite3_file* file, Arguments... arguments) {
+    auto& log = AdditionOf<LogAddition>(file);
+    const int status = WriteHeader(file, log);
+    return status == SQLITE_OK ? (log.m_system->*kMethod)(file, arguments...) : status;
+}
+
+void AddToLog(sqlite3_file* file) noexcept {
+    LogAddition& log = *::new (&AdditionOf<LogAddition>(file))
+                           LogAddition{file->pMethods, 0, false, {}, *file->pMethods};
+    log.m_methods.xWrite = WriteLog;
+    log.m_methods.xClose = OnWrittenLog<&sqlite3_io_methods::xClose>;
+    log.m_methods.xRead = OnWrittenLog<&sqlite3_io_methods::xRead>;
+    log.m_methods.xSync = OnWrittenLog<&sqlite3_io_methods::xSync>;
+    log.m_methods.xTruncate = OnWrittenLog<&sqlite3_io_methods::xTruncate>;
+    log.m_methods.xFileSize = OnWrittenLog<&sqlite3_io_methods::xFileSize>;
+    file->pMethods = &log.m_methods;
+}
+
 template <std::size_t kWhich>
 int Open(sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int* opened) {
     auto& vfs = const_cast<sqlite3_vfs&>(*s_system);
     const int status = vfs.xOpen(&vfs, name, file, flags, opened);
+    if (status == SQLITE_OK && (flags & SQLITE_OPEN_WAL) != 0) {
+        AddToLog(file);
+    }
     if (status != SQLITE_OK || (flags & SQLITE_OPEN_MAIN_DB) == 0) {
         return status;
     }
@@ -102,7 +174,7 @@ int Register() noexcept {
     vfs.pNext = nullptr;
     vfs.zName = s_names[kWhich];
     vfs.szOsFile = static_cast<int>(RoundUp(static_cast<std::size_t>(s_system->szOsFile)) +
-                                    sizeof(FileAddition));
+                                    std::max(sizeof(FileAddition), sizeof(LogAddition)));
     vfs.xSleep = DoNotSleep;
     vfs.xOpen = Open<kWhich>;
     const int status = sqlite::vfs_register(&vfs, 0);

@@ -1,5 +1,5 @@
-// SQLite's way to the system, with three changes: it does not sleep, it tells of the write lock,
-// and it can go without file locks.
+// SQLite's way to the system, with four changes: it does not sleep, it tells of the write lock, it
+// writes a frame of the log at once, and it can go without file locks.
 #ifndef QX_PLATFORM_POSIX_REGISTRY_VFS_H
 #define QX_PLATFORM_POSIX_REGISTRY_VFS_H
 
