@@ -211,6 +211,8 @@ void StoreConnection::Settle() {
         m_log = FileWatch(m_paths.m_log);
         m_index = FileWatch(m_paths.m_index);
         m_index.IsWhole();  // takes its length
+        m_names = DirectoryWatch(m_paths.m_directory);
+        m_names.Restart();
     }
     const StoreFiles now = LookAt(m_paths);
     const auto stayed = [](const FileState& before, const FileState& after) {
@@ -246,12 +248,12 @@ bool StoreConnection::IsSafe() {
 }
 
 bool StoreConnection::IsWhole() {
-    return m_logged ? m_index.IsWhole() && m_log.Holds(LogSizeByIndex()) && IsToTheSameFile()
-                    : IsInPlace();
+    return m_logged ? m_index.IsWhole() && m_log.Holds(LogSizeByIndex()) : IsInPlace();
 }
 
 // The index first: by the look at the log, whoever writes has only made that longer.
 bool StoreConnection::IsInPlace() {
+    m_names.Restart();
     if (m_logged && !m_index.IsWhole()) {
         return false;
     }

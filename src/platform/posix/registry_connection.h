@@ -113,9 +113,10 @@ class StoreConnection {
     // Cheap, for every operation: what the process has mapped is there in its whole length. Without
     // that a look at the mapping would end the process.
     bool IsSafe();
-    // Before a write: the database is at its place, and its side files are not removed and are
-    // whole.
+    // Ahead of a write: the side files are whole, and none is removed.
     bool IsWhole();
+    // False if the places are to be looked at.
+    bool AreNamesUnchanged() const noexcept { return m_names.IsUnchanged(); }
     // Looks at all places: the files there are the ones in use, and whole.
     bool IsInPlace();
     // The database at least is still the one in use.
@@ -155,6 +156,7 @@ class StoreConnection {
     StepLimit m_steps;
     std::unique_ptr<sqlite3, Closer> m_database;
     std::array<sqlite3_stmt*, kStatementCount> m_prepared{};
+    DirectoryWatch m_names;
     FileWatch m_log;
     FileWatch m_index;
     i64 m_writtenRow = 0;

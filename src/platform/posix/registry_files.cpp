@@ -3,11 +3,9 @@
 #include <fcntl.h>
 #include <stdlib.h>
 #include <sys/stat.h>
-#include <unistd.h>
+#include <time.h>
 
-#include <algorithm>
 #include <memory>
-#include <utility>
 
 #include "platform/errors.h"
 #include "registry_failure.h"
@@ -15,7 +13,12 @@
 namespace platform {
 namespace {
 
-constexpr int kFirstDescriptor = 3;
+constexpr i64 kSecond = 1'000'000'000;
+constexpr i64 kLongestStep = 3 * kSecond;  // of the times on any file system
+
+i64 Nanoseconds(const timespec& time) noexcept {
+    return kSecond * time.tv_sec + time.tv_nsec;
+}
 
 [[noreturn]] void ThrowErrno(int error) {
     throw StoreFailure{NativeErrorFromErrno(error), false};
@@ -24,19 +27,6 @@ constexpr int kFirstDescriptor = 3;
 struct Freer {
     void operator()(char* text) const noexcept { ::free(text); }
 };
-
-// The program's standard streams may be closed; nothing of ours takes their place.
-int OpenToName(const char* path) noexcept {
-    const int file = ::open(path, O_PATH | O_CLOEXEC | O_NOFOLLOW);
-    if (file < 0 || file >= kFirstDescriptor) {
-        return file;
-    }
-    const int moved = ::fcntl(file, F_DUPFD_CLOEXEC, kFirstDescriptor);
-    const int error = errno;
-    ::close(file);
-    errno = error;
-    return moved;
-}
 
 }  // namespace
 
@@ -49,7 +39,8 @@ StorePaths PathsOf(const std::string& database) {
     if (path.size() > kMaxDatabasePath) {
         throw StoreFailure{kErrorFilenameExceedsRange, false};
     }
-    return {path, path + "-wal", path + "-shm", path + "-journal"};
+    return {path.substr(0, path.rfind('/') + 1), path, path + "-wal", path + "-shm",
+            path + "-journal"};
 }
 
 FileState LookAt(const std::string& path) {
@@ -64,8 +55,7 @@ FileState LookAt(const std::string& path) {
     if (!S_ISREG(status.st_mode)) {
         throw StoreFailure{kErrorBadDatabase, false};
     }
-    return {status.st_dev, status.st_ino, status.st_size,
-            i64{1'000'000'000} * status.st_mtim.tv_sec + status.st_mtim.tv_nsec};
+    return {status.st_dev, status.st_ino, status.st_size, Nanoseconds(status.st_mtim)};
 }
 
 StoreFiles LookAt(const StorePaths& paths) {
@@ -80,27 +70,16 @@ void SetSideFileModes(const StorePaths& paths, mode_t mode) noexcept {
     }
 }
 
-FileWatch::FileWatch(const std::string& path) : m_descriptor(OpenToName(path.c_str())) {
-    if (m_descriptor < 0 && errno != ENOENT) {
+FileWatch::FileWatch(const std::string& path)
+    : m_descriptor(OpenDescriptor(path.c_str(), O_PATH | O_NOFOLLOW)) {
+    if (!m_descriptor && errno != ENOENT) {
         ThrowErrno(errno);
     }
 }
 
-FileWatch::~FileWatch() {
-    if (m_descriptor >= 0) {
-        ::close(m_descriptor);
-    }
-}
-
-FileWatch& FileWatch::operator=(FileWatch&& other) noexcept {
-    std::swap(m_descriptor, other.m_descriptor);
-    std::swap(m_size, other.m_size);
-    return *this;
-}
-
 i64 FileWatch::Size() const noexcept {
     struct stat status;
-    return ::fstat(m_descriptor, &status) == 0 && status.st_nlink != 0 ? status.st_size : -1;
+    return ::fstat(m_descriptor.Get(), &status) == 0 && status.st_nlink != 0 ? status.st_size : -1;
 }
 
 bool FileWatch::IsWhole() noexcept {
@@ -114,6 +93,27 @@ bool FileWatch::IsWhole() noexcept {
 
 bool FileWatch::Holds(i64 size) const noexcept {
     return Size() >= size;
+}
+
+DirectoryWatch::DirectoryWatch(const std::string& path)
+    : m_descriptor(OpenDescriptor(path.c_str(), O_PATH | O_DIRECTORY)) {}
+
+void DirectoryWatch::Restart() noexcept {
+    timespec now;
+    ::clock_gettime(CLOCK_REALTIME_COARSE, &now);
+    m_changed = Changed();
+    if (m_changed > Nanoseconds(now) - kLongestStep) {
+        m_changed = kUnknown;
+    }
+}
+
+bool DirectoryWatch::IsUnchanged() const noexcept {
+    return m_changed != kUnknown && m_changed == Changed();
+}
+
+i64 DirectoryWatch::Changed() const noexcept {
+    struct stat status;
+    return ::fstat(m_descriptor.Get(), &status) == 0 ? Nanoseconds(status.st_ctim) : kUnknown;
 }
 
 }  // namespace platform

@@ -8,6 +8,7 @@
 
 #include <string>
 
+#include "descriptors.h"
 #include "platform/types.h"
 
 namespace platform {
@@ -33,6 +34,7 @@ struct StoreFiles {
 
 // The database's real path and the names that SQLite derives from it.
 struct StorePaths {
+    std::string m_directory;
     std::string m_database;
     std::string m_log;
     std::string m_index;
@@ -56,17 +58,13 @@ StoreFiles LookAt(const StorePaths& paths);
 // which, if another process made it, may still be a narrower one.
 void SetSideFileModes(const StorePaths& paths, mode_t mode) noexcept;
 
-// A descriptor that only names a file: to look at it whatever happens to its name. Closing it does
-// not touch the locks that the process holds on the file, as closing any other descriptor would.
+// A file that is looked at whatever happens to its name. The descriptor only names it: closing that
+// does not touch the locks that the process holds on the file, as closing any other would.
 class FileWatch {
   public:
     FileWatch() noexcept = default;
     // A file that is missing is not whole.
     explicit FileWatch(const std::string& path);
-    ~FileWatch();
-    FileWatch(const FileWatch&) = delete;
-    FileWatch& operator=(const FileWatch&) = delete;
-    FileWatch& operator=(FileWatch&& other) noexcept;
 
     // False once the file has lost its name or has become shorter than it was.
     bool IsWhole() noexcept;
@@ -77,8 +75,29 @@ class FileWatch {
     // Less than nothing for a file without a name.
     i64 Size() const noexcept;
 
-    int m_descriptor = -1;
+    OwnedDescriptor m_descriptor;
     i64 m_size = 0;
+};
+
+// Tells that no name in a directory has come, gone or changed since a look at them: each of that
+// changes the time of the directory's own last change. Times come in steps, so a directory that
+// changed of late tells nothing. Nor does it tell of a change to the directories above it.
+class DirectoryWatch {
+  public:
+    DirectoryWatch() noexcept = default;
+    explicit DirectoryWatch(const std::string& path);
+
+    // To be called ahead of the look.
+    void Restart() noexcept;
+    bool IsUnchanged() const noexcept;
+
+  private:
+    static constexpr i64 kUnknown = -1;
+
+    i64 Changed() const noexcept;
+
+    OwnedDescriptor m_descriptor;
+    i64 m_changed = kUnknown;  // in nanoseconds
 };
 
 }  // namespace platform

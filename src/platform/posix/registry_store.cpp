@@ -79,7 +79,7 @@ void RegistryStore::Follow() {
         explicit Unmarked(RegistryStore& store) noexcept : m_store(store) {
             MarkWrites(m_store.Database(), nullptr);
         }
-        ~Unmarked() { MarkWrites(m_store.Database(), &m_store.m_memory.Word()); }
+        ~Unmarked() { MarkWrites(m_store.Database(), &m_store); }
         RegistryStore& m_store;
     };
     m_memory.LookSoon();  // if this fails, the next operation tries again
@@ -103,7 +103,7 @@ bool RegistryStore::IsThere() {
 bool RegistryStore::Connect(Purpose purpose) {
     auto connection = std::make_unique<StoreConnection>(Location().m_file);
     m_memory.FollowFiles(connection->Paths(), connection->File());
-    MarkWrites(connection->Database(), &m_memory.Word());
+    MarkWrites(connection->Database(), this);
     StoreContent content = connection->Identify();
     if (content == StoreContent::kNothing) {
         if (purpose == Purpose::kRead) {
@@ -178,6 +178,24 @@ void RegistryStore::OpenForWriting() {
         Connect(Purpose::kWrite);
     }
     ThrowIf(!CanWrite(), kErrorAccessDenied);
+}
+
+bool RegistryStore::IsInPlace() noexcept {
+    try {
+        return m_connection == nullptr || m_connection->IsInPlace();
+    } catch (const StoreFailure&) {
+        return false;
+    }
+}
+
+// If the files are not the store's any more, the next Open follows them or tells what is wrong.
+bool RegistryStore::Begin() noexcept {
+    const bool namesUnchanged = m_connection != nullptr && m_connection->AreNamesUnchanged();
+    if (!namesUnchanged && !IsInPlace()) {
+        m_memory.LookSoon();
+        return false;
+    }
+    return m_memory.Word().Begin(namesUnchanged);
 }
 
 bool RegistryStore::MayHaveMoved() noexcept {

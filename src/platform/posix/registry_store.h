@@ -15,7 +15,7 @@
 
 namespace platform {
 
-class RegistryStore {
+class RegistryStore final : private WriteMarks {
   public:
     constexpr explicit RegistryStore(StoreNumber number) noexcept : m_number(number) {}
     RegistryStore(const RegistryStore&) = delete;
@@ -28,7 +28,7 @@ class RegistryStore {
 
     // Makes sure of a connection to the file that is at the store's place now, with the rights that
     // the thread has now. False if there is no store; nothing is made. An operation begins with
-    // this, and looks at the place if it is to write or if nobody has for a second.
+    // this, and looks at the place if nobody has for a second. A write looks again under its lock.
     bool Open(Purpose purpose);
 
     // Makes sure of a connection that can write, and makes the store if there is none. Follows
@@ -76,6 +76,9 @@ class RegistryStore {
     void CloseForGood() noexcept;
 
   private:
+    bool Begin() noexcept override;
+    void End() noexcept override { m_memory.Word().End(); }
+    bool IsInPlace() noexcept;
     bool Connect(Purpose purpose);
     void ConnectWithoutLocks();
     void Adopt(std::unique_ptr<StoreConnection> connection);

@@ -9,7 +9,6 @@
 #include "platform/errors.h"
 #include "platform/sync.h"
 #include "registry_failure.h"
-#include "registry_word.h"
 
 namespace platform {
 namespace {
@@ -25,7 +24,7 @@ constinit const sqlite3_vfs* s_system = nullptr;
 // What stands behind the system's own part of an open database.
 struct FileAddition {
     const sqlite3_io_methods* m_system;
-    StoreWord* m_word;
+    WriteMarks* m_marks;
     sqlite3_io_methods m_methods;
 };
 
@@ -72,16 +71,16 @@ int LockAndMark(sqlite3_file* file, int first, int count, int how) {
     const auto change = [&](int flags) {
         return addition.m_system->xShmLock(file, first, count, flags);
     };
-    if (first != kWriteLock || addition.m_word == nullptr) {
+    if (first != kWriteLock || addition.m_marks == nullptr) {
         return change(how);
     }
     if (how == (SQLITE_SHM_UNLOCK | SQLITE_SHM_EXCLUSIVE)) {
-        addition.m_word->End();
+        addition.m_marks->End();
         return change(how);
     }
     const int status = change(how);
     if (status == SQLITE_OK && how == (SQLITE_SHM_LOCK | SQLITE_SHM_EXCLUSIVE) &&
-        !addition.m_word->Begin()) {
+        !addition.m_marks->Begin()) {
         change(SQLITE_SHM_UNLOCK | SQLITE_SHM_EXCLUSIVE);
         return SQLITE_BUSY;
     }
@@ -210,11 +209,11 @@ const char* StoreVfsName(StoreVfs which) {
     return s_names[static_cast<std::size_t>(which)];
 }
 
-void MarkWrites(sqlite3* database, StoreWord* word) noexcept {
+void MarkWrites(sqlite3* database, WriteMarks* marks) noexcept {
     sqlite3_file* file = nullptr;
     sqlite::file_control(database, "main", SQLITE_FCNTL_FILE_POINTER, &file);
     if (file != nullptr && file->pMethods != nullptr) {
-        AdditionOf(file).m_word = word;
+        AdditionOf(file).m_marks = marks;
     }
 }
 

@@ -7,7 +7,17 @@
 
 namespace platform {
 
-class StoreWord;
+// Who is told of the transactions of a connection that write: one is begun once SQLite holds the
+// write lock, and ended before it lets it go.
+class WriteMarks {
+  public:
+    // False if it must not be begun now.
+    virtual bool Begin() noexcept = 0;
+    virtual void End() noexcept = 0;
+
+  protected:
+    ~WriteMarks() = default;
+};
 
 enum class StoreVfs {
     // When other processes are in its way SQLite sleeps for up to ten seconds before it says so,
@@ -22,9 +32,8 @@ enum class StoreVfs {
 // The name under which to open a database. Throws StoreFailure.
 const char* StoreVfsName(StoreVfs which = StoreVfs::kLocking);
 
-// From here on each transaction of a connection that writes is marked by a word: begun once SQLite
-// holds the write lock, and ended before it lets it go. Null ends that.
-void MarkWrites(sqlite3* database, StoreWord* word) noexcept;
+// Null for nobody.
+void MarkWrites(sqlite3* database, WriteMarks* marks) noexcept;
 
 // SQLite outlives the library.
 void ForgetStoreVfs() noexcept;

@@ -234,12 +234,12 @@ bool StoreWord::Renew() noexcept {
     return attached != Attached::kNoAccess;
 }
 
-bool StoreWord::Begin() noexcept {
+bool StoreWord::Begin(bool isAtItsPlace) noexcept {
     m_mine = m_before = m_after = 0;
     if (!HasDatabase()) {
         return false;
     }
-    if (!(m_writable && IsAtItsPlace()) && !Renew()) {
+    if (!(m_writable && (isAtItsPlace || IsAtItsPlace())) && !Renew()) {
         return false;
     }
     return m_mine != 0 || !m_writable || Mark() || (Renew() && (m_mine != 0 || !m_writable));

@@ -49,6 +49,7 @@
 
 #include "platform/types.h"
 #include "registry_files.h"
+#include "registry_vfs.h"
 
 namespace platform {
 
@@ -68,7 +69,7 @@ struct DatabaseIdentity {
 };
 
 // The operations but Now are called with the store's lock held.
-class StoreWord {
+class StoreWord final : public WriteMarks {
   public:
     constexpr StoreWord() noexcept = default;
     StoreWord(const StoreWord&) = delete;
@@ -93,9 +94,11 @@ class StoreWord {
     bool Follow(const char* database, ino_t inode) noexcept;
     void Detach() noexcept;
 
-    // A writer's marks. Begin: false if others may believe in a word that cannot be marked.
-    bool Begin() noexcept;
-    void End() noexcept;
+    // A writer's marks. Begin: false if others may believe in a word that cannot be marked. Whoever
+    // knows that the file at its place is still the one that he has mapped may say so.
+    bool Begin() noexcept override { return Begin(false); }
+    bool Begin(bool isAtItsPlace) noexcept;
+    void End() noexcept override;
 
     // The number before the last Begin, and the one that its End gave; 0 if there is none.
     u64 Before() const noexcept { return m_before; }
