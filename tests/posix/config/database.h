@@ -18,6 +18,22 @@ inline void Execute(const std::filesystem::path& store, const std::string& text,
     ::sqlite3_close(database);
 }
 
+// What the file at the place has under a name, whatever this process and its children remember.
+inline std::u16string TextInFile(const std::filesystem::path& store, const std::string& name) {
+    sqlite3* database = nullptr;
+    sqlite3_stmt* query = nullptr;
+    ::sqlite3_open(store.c_str(), &database);
+    const std::string text = "SELECT data FROM vals WHERE CAST(name AS TEXT)='" + name + "'";
+    ::sqlite3_prepare_v2(database, text.c_str(), -1, &query, nullptr);
+    const auto* const data = ::sqlite3_step(query) == SQLITE_ROW
+                                 ? static_cast<const char16_t*>(::sqlite3_column_blob(query, 0))
+                                 : nullptr;
+    const std::u16string found = data != nullptr ? data : u"<not found>";
+    ::sqlite3_finalize(query);
+    ::sqlite3_close(database);
+    return found;
+}
+
 // Into the database, so that its side files hold nothing. The end of a process does so only if it
 // has no other threads, and a sanitizer has one of its own.
 inline void WriteLogBack(const std::filesystem::path& store) {
