@@ -91,17 +91,12 @@ u32 RegQueryValueExW(HKEY key, const char16_t* name, u32* reserved, u32* type, v
 u32 ReadRegistryValue(HKEY key, const char16_t* path, u32 view, const char16_t* name, u32* type,
                       void* data, u32* size) noexcept;
 
-// Opens a key with kKeyAllAccess and the view bits, or makes it as RegCreateKeyExW does, writes a
-// value of it as RegSetValueExW does, and closes the key. The key is made also if the value is then
-// refused.
+// Opens a key with kKeyAllAccess and the view bits, or makes it as RegCreateKeyExW does, writes
+// exactly `size` bytes as a value of it, and closes the key. The key is made also if the value is
+// then refused. A value that exists keeps the spelling of its name and its place in the order.
 u32 WriteRegistryValue(HKEY key, const char16_t* path, u32 view,
                        const SECURITY_ATTRIBUTES* attributes, const char16_t* name, u32 type,
                        const void* data, u32 size) noexcept;
-
-// Writes exactly `size` bytes. `reserved` is 0. A value that exists keeps the spelling of its name
-// and its place in the order.
-u32 RegSetValueExW(HKEY key, const char16_t* name, u32 reserved, u32 type, const void* data,
-                   u32 size) noexcept;
 
 // Deletes a key that has no keys below it, with its values. 5 if it has some, and for a root.
 // `view` is a view bit or 0, `reserved` 0.

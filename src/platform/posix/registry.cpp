@@ -235,20 +235,6 @@ u32 RunOnKey(const KeyReference& key, u32 right, Operation&& operation) noexcept
     });
 }
 
-// The same for a value that is to be changed; with its name.
-template <typename Operation>
-u32 RunOnValue(HKEY key, const char16_t* name, Operation&& operation) noexcept {
-    KeyReference base;
-    if (const u32 error = FindKeyReference(key, kKeySetValue, base)) {
-        return error;
-    }
-    return RunOnKey(base, kKeySetValue, [&](RegistryStore& store) -> u32 {
-        const std::u16string_view text = NameOrDefault(name);
-        return text.size() <= kMaxValueName ? operation(store, base.m_id, text)
-                                            : kErrorInvalidParameter;
-    });
-}
-
 // A predefined key has no place to keep a walk in: each step starts afresh.
 KeyWalk& WalkOf(HKEY key, KeyWalk& fresh) noexcept {
     return IsPredefined(key) ? fresh : key->m_walk;
@@ -381,16 +367,6 @@ u32 ReadRegistryValue(HKEY key, const char16_t* path, u32 view, const char16_t* 
     });
 }
 
-u32 RegSetValueExW(HKEY key, const char16_t* name, u32, u32 type, const void* data,
-                   u32 size) noexcept {
-    if (data == nullptr && size != 0) {
-        return kErrorInvalidParameter;
-    }
-    return RunOnValue(key, name, [&](RegistryStore& store, i64 id, std::u16string_view text) {
-        return WriteValue(store, id, text, type, {static_cast<const char*>(data), size});
-    });
-}
-
 u32 WriteRegistryValue(HKEY key, const char16_t* path, u32 view, const SECURITY_ATTRIBUTES*,
                        const char16_t* name, u32 type, const void* data, u32 size) noexcept {
     KeyReference base;
@@ -426,7 +402,15 @@ u32 RegDeleteKeyExW(HKEY key, const char16_t* path, u32 view, u32) noexcept {
 }
 
 u32 RegDeleteValueW(HKEY key, const char16_t* name) noexcept {
-    return RunOnValue(key, name, DeleteValue);
+    KeyReference base;
+    if (const u32 error = FindKeyReference(key, kKeySetValue, base)) {
+        return error;
+    }
+    return RunOnKey(base, kKeySetValue, [&](RegistryStore& store) -> u32 {
+        const std::u16string_view text = NameOrDefault(name);
+        return text.size() <= kMaxValueName ? DeleteValue(store, base.m_id, text)
+                                            : kErrorInvalidParameter;
+    });
 }
 
 u32 RegEnumKeyExW(HKEY key, u32 index, char16_t* name, u32* length, u32*, char16_t*, u32*,

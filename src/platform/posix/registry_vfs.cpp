@@ -120,7 +120,7 @@ int WriteLog(sqlite3_file* file, const void* data, int size, sqlite3_int64 at) {
     return status;
 }
 
-// Whatever else is done with a log finds it written.
+// Whatever else is done with a log finds it written, but for its end: a header alone is no frame.
 template <auto kMethod, typename... Arguments>
 int OnWrittenLog(sqlite3_file* file, Arguments... arguments) {
     auto& log = AdditionOf<LogAddition>(file);
@@ -132,7 +132,6 @@ void AddToLog(sqlite3_file* file) noexcept {
     LogAddition& log = *::new (&AdditionOf<LogAddition>(file))
                            LogAddition{file->pMethods, 0, false, {}, *file->pMethods};
     log.m_methods.xWrite = WriteLog;
-    log.m_methods.xClose = OnWrittenLog<&sqlite3_io_methods::xClose>;
     log.m_methods.xRead = OnWrittenLog<&sqlite3_io_methods::xRead>;
     log.m_methods.xSync = OnWrittenLog<&sqlite3_io_methods::xSync>;
     log.m_methods.xTruncate = OnWrittenLog<&sqlite3_io_methods::xTruncate>;

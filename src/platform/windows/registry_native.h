@@ -32,12 +32,6 @@ inline u32 RegQueryValueExW(HKEY key, const char16_t* name, u32* reserved, u32* 
                                                static_cast<BYTE*>(data), Native(size)));
 }
 
-inline u32 RegSetValueExW(HKEY key, const char16_t* name, u32 reserved, u32 type, const void* data,
-                          u32 size) noexcept {
-    return static_cast<u32>(
-        ::RegSetValueExW(key, Native(name), reserved, type, static_cast<const BYTE*>(data), size));
-}
-
 inline u32 ReadRegistryValue(HKEY key, const char16_t* path, u32 view, const char16_t* name,
                              u32* type, void* data, u32* size) noexcept {
     HKEY opened;
@@ -57,7 +51,8 @@ inline u32 WriteRegistryValue(HKEY key, const char16_t* path, u32 view,
     u32 error = platform::RegCreateKeyExW(key, path, 0, nullptr, 0, KEY_ALL_ACCESS | view,
                                           attributes, &opened, &disposition);
     if (error == ERROR_SUCCESS) {
-        error = platform::RegSetValueExW(opened, name, 0, type, data, size);
+        error = static_cast<u32>(
+            ::RegSetValueExW(opened, Native(name), 0, type, static_cast<const BYTE*>(data), size));
         platform::RegCloseKey(opened);
     }
     return error;
