@@ -80,20 +80,18 @@ TEST_F(Component, FailedLookupsLeaveNullAndAnUntouchedObjectPointer) {
     struct Row {
         const char* what;
         std::u16string library;
-        QXResult result;
-    };
-    const Row rows[] = {
-        {"no library of that name", folder + u"/nothing.so", QX_E_FAIL},
-        {"a bare name that the search does not find", u"qxcore-nothing.so", QX_E_FAIL},
-        {"not a library", folder + u"/text.so", QX_E_FAIL},
-        {"the export is another library's", m_classes.HollowPath(), QX_E_FAIL},
-        {"an empty path", u"", QX_E_FAIL},
-        {"a reference that does not fit", u"%QXCORE_LONG_VALUE%", QX_E_NOTREGISTERED},
-        {"a path that does not fit", std::u16string(261, u'x'), QX_E_NOTREGISTERED},
+        QXResult result = QX_E_FAIL;
     };
     WriteFile(folder + u"/text.so", "this is not a library");
     SetEnvironment("QXCORE_LONG_VALUE", std::string(300, 'x'));
-    for (const Row& row : rows) {
+    for (const Row& row :
+         {Row{"no library of that name", folder + u"/nothing.so"},
+          {"a bare name that the search does not find", u"qxcore-nothing.so"},
+          {"not a library", folder + u"/text.so"},
+          {"the export is another library's", m_classes.HollowPath()},
+          {"an empty path", u""},
+          {"a reference that does not fit", u"%QXCORE_LONG_VALUE%", QX_E_NOTREGISTERED},
+          {"a path that does not fit", std::u16string(261, u'x'), QX_E_NOTREGISTERED}}) {
         m_classes.Register(kPlain, row.library, QX_REG_EXPAND_STRING);
         void* factory = &factory;
         void* object = &object;
@@ -126,15 +124,13 @@ TEST_F(Component, ProgramIdsFailAsTheirKindOfFault) {
         const char16_t* text;
         QXResult result;
     };
-    const Row rows[] = {
-        {u"{57495453-0001-4E45-8001-020304050607", QX_E_INVALIDARG},
-        {u"", QX_E_INVALIDARG},
-        {u"{57495453-0001-4E45-8001-020304050607}", QX_S_OK},
-        {u"{57495453-0001-4E45-8001-020304050607} and more", QX_E_FAIL},  // does not fit
-    };
     GUID classID;
     EXPECT_EQ(QX_E_NOTREGISTERED, QXComClassIDFromProgID(u"Witness.Unknown", &classID));
-    for (const Row& row : rows) {
+    for (const Row& row :
+         {Row{u"{57495453-0001-4E45-8001-020304050607", QX_E_INVALIDARG},
+          {u"", QX_E_INVALIDARG},
+          {u"{57495453-0001-4E45-8001-020304050607}", QX_S_OK},
+          {u"{57495453-0001-4E45-8001-020304050607} and more", QX_E_FAIL}}) {  // does not fit
         m_classes.RegisterProgram(u"Witness.Odd", row.text);
         EXPECT_EQ(row.result, QXComClassIDFromProgID(u"Witness.Odd", &classID));
     }
@@ -154,20 +150,18 @@ TEST_F(Component, CachesWhatALibraryGaveAndNoRefusals) {
         bool flushes = false;
     };
     const GUID odd = WitnessClass(kPlain);
-    const Row rows[] = {
-        {"first lookup", kPlain, QX_S_OK, QX_IID_CLASS_FACTORY, "loaded asked "},
-        {"refused interface", kPlain, kNoInterface, odd, ""},
-        {"which leaves the class", kPlain, QX_S_OK, QX_IID_CLASS_FACTORY, ""},
-        {"null factory", kNullFactory, QX_S_OK, QX_IID_CLASS_FACTORY, "asked released unloaded ",
-         true},
-        {"a library that comes back", kComesBack, QX_S_OK, QX_IID_CLASS_FACTORY,
-         "loaded asked asked "},
-        {"for the class that it asked for", kPlain, QX_S_OK, QX_IID_CLASS_FACTORY,
-         "released released unloaded ", true},
-        {"refusing library", kRefuses, kWitnessRefusal, QX_IID_CLASS_FACTORY, "loaded asked "},
-        {"which stays open", kRefuses, kWitnessRefusal, QX_IID_CLASS_FACTORY, "asked ", true},
-    };
-    for (const Row& row : rows) {
+    for (const Row& row :
+         {Row{"first lookup", kPlain, QX_S_OK, QX_IID_CLASS_FACTORY, "loaded asked "},
+          {"refused interface", kPlain, kNoInterface, odd, ""},
+          {"which leaves the class", kPlain, QX_S_OK, QX_IID_CLASS_FACTORY, ""},
+          {"null factory", kNullFactory, QX_S_OK, QX_IID_CLASS_FACTORY, "asked released unloaded ",
+           true},
+          {"a library that comes back", kComesBack, QX_S_OK, QX_IID_CLASS_FACTORY,
+           "loaded asked asked "},
+          {"for the class that it asked for", kPlain, QX_S_OK, QX_IID_CLASS_FACTORY,
+           "released released unloaded ", true},
+          {"refusing library", kRefuses, kWitnessRefusal, QX_IID_CLASS_FACTORY, "loaded asked "},
+          {"which stays open", kRefuses, kWitnessRefusal, QX_IID_CLASS_FACTORY, "asked ", true}}) {
         m_classes.Register(row.behaviour, m_classes.WitnessPath());
         void* factory = &factory;
         EXPECT_EQ(row.result, Lookup(row.behaviour, &factory, row.interfaceID)) << row.what;
@@ -193,7 +187,6 @@ TEST_F(Component, ExceptionOfAComponentIsAResult) {
     EXPECT_EQ(QX_E_FAIL, QXComFlushFactoryCache());
     EXPECT_EQ("released released ", m_classes.TakeLog());
     EXPECT_EQ(QX_S_OK, QXComFlushFactoryCache());
-    EXPECT_EQ(QX_S_OK, Touch(kThrowsOnRelease));
 }
 
 TEST_F(Component, ThreadsThatAskAtOnceLoadTheLibraryOnce) {
@@ -246,15 +239,13 @@ TEST_F(Component, AllocationFailureIsAResultAndLeavesNull) {
     EXPECT_GE(failing, 5);
 }
 
-TEST_F(Component, MemoryIsSharedAndMaybeEmpty) {
+TEST_F(Component, MemoryMayBeEmpty) {
     void* block = nullptr;
     ASSERT_EQ(QX_S_OK, QXComMalloc(0, &block));
     EXPECT_NE(nullptr, block);
     ASSERT_EQ(QX_S_OK, QXComRealloc(&block, 100));
     EXPECT_EQ(QX_S_OK, QXComRealloc(&block, 0));
     EXPECT_EQ(nullptr, block);
-    EXPECT_EQ(QX_S_OK, QXComRealloc(&block, 8));
-    EXPECT_EQ(QX_S_OK, QXComFree(block));
     EXPECT_EQ(QX_S_OK, QXComFree(nullptr));
 }
 

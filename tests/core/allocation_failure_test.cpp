@@ -24,29 +24,26 @@ TEST(GuardedExports, FailedAllocationIsAResultAndLeavesTheInvalidHandle) {
         const char* what;
         std::function<QXResult(QXHandle*)> create;
         std::function<void(QXHandle)> destroy;
-        QXHandle afterFailure;
+        QXHandle afterFailure = QX_INVALID_HANDLE;
         bool allocates = true;
     };
     const Row rows[] = {
-        {"QXMutexCreate", [](QXHandle* out) { return QXMutexCreate(kLongName, 0, out); },
-         QXMutexDestroy, QX_INVALID_HANDLE},
-        {"QXEventCreate", [](QXHandle* out) { return QXEventCreate(kLongName, 0, out); },
-         QXEventDestroy, QX_INVALID_HANDLE},
-        {"QXSemaphoreCreate", [](QXHandle* out) { return QXSemaphoreCreate(0, kLongName, 0, out); },
-         QXSemaphoreDestroy, QX_INVALID_HANDLE},
-        {"QXConditionCreate", [](QXHandle* out) { return QXConditionCreate(kLongName, 0, out); },
-         QXConditionDestroy, QX_INVALID_HANDLE},
-        {"QXRWLockCreate", [](QXHandle* out) { return QXRWLockCreate(kLongName, 0, out); },
-         QXRWLockDestroy, QX_INVALID_HANDLE},
-        {"QXLibOpen", [&](QXHandle* out) { return QXLibOpen(path.c_str(), out); }, QXLibClose,
+        {"mutex", [](QXHandle* out) { return QXMutexCreate(kLongName, 0, out); }, QXMutexDestroy},
+        {"event", [](QXHandle* out) { return QXEventCreate(kLongName, 0, out); }, QXEventDestroy},
+        {"semaphore", [](QXHandle* out) { return QXSemaphoreCreate(0, kLongName, 0, out); },
+         QXSemaphoreDestroy},
+        {"condition", [](QXHandle* out) { return QXConditionCreate(kLongName, 0, out); },
+         QXConditionDestroy},
+        {"lock", [](QXHandle* out) { return QXRWLockCreate(kLongName, 0, out); }, QXRWLockDestroy},
+        {"library", [&](QXHandle* out) { return QXLibOpen(path.c_str(), out); }, QXLibClose,
          QX_INVALID_HANDLE, kLoaderNeedsNarrowPath},
-        {"QXLibGetSymbol",
+        {"symbol",
          [&](QXHandle* out) {
              const QXResult result = QXLibGetSymbol(library, kLongSymbol, out);
              return result == QX_E_FAIL ? QX_S_OK : result;  // there is no such symbol
          },
          [](QXHandle) {}, nullptr},
-        {"QXModuleSetInitialized",
+        {"token",
          [&](QXHandle* out) {
              *out = nullptr;
              return QXModuleSetInitialized(&classes, 1);

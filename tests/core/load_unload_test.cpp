@@ -42,23 +42,13 @@ QXResult SetNumber(const LoadedLibrary& library, const char16_t* name) {
                         uint32_t{sizeof number});
 }
 
-void UseEverything(const LoadedLibrary& library) {
-    QXHandle mutex;
-    EXPECT_EQ(QX_S_OK, library.Call("QXMutexCreate", "load", 0u, &mutex));
-    library.Call("QXMutexAcquire", mutex);
-    library.Call("QXMutexRelease", mutex);
-    library.Call("QXMutexDestroy", mutex);
-    library.Call("QXLibOpen", u"qxcore-nothing.so", &mutex);
-    EXPECT_EQ(QX_S_OK, SetNumber(library, u"number"));
-}
-
 TEST(LoadUnload, LeavesNothingBehindInAThousandRounds) {
     const OwnRegistry registry;
     Footprint settled = {};
     for (int round = 0; round < 1000; ++round) {
         LoadedLibrary library;
         if (round % 5 == 0) {
-            UseEverything(library);
+            EXPECT_EQ(QX_S_OK, SetNumber(library, u"number"));
         }
         library.Close();
         ASSERT_FALSE(IsLoaded());
@@ -130,38 +120,21 @@ void LeaveThreadBusy(const LoadedLibrary& library) {
     }
 }
 
-struct Use {
-    const char* what;
-    void (*body)(LoadedLibrary& library);
-};
-constexpr Use kUses[] = {
-    {"flush",
-     [](LoadedLibrary& library) {
-         EXPECT_EQ(QX_S_OK, CacheWitness(library));
-         library.Call("QXComFlushFactoryCache");
-     }},
-    {"unload",
-     [](LoadedLibrary& library) {
-         EXPECT_EQ(QX_S_OK, CacheWitness(library));
-         library.Close();
-         EXPECT_FALSE(IsLoaded());
-     }},
-    {"process end", [](LoadedLibrary& library) { EXPECT_EQ(QX_S_OK, CacheWitness(library)); }},
-    {"process end while a thread waits",
-     [](LoadedLibrary& library) {
-         EXPECT_EQ(QX_S_OK, CacheWitness(library));
-         LeaveThreadWaiting(library);
-     }},
-    {"process end while a thread is busy",
-     [](LoadedLibrary& library) { LeaveThreadBusy(library); }},
-};
-
 CHILD_ROLE(UseLibrary) {
-    static LoadedLibrary s_library;  // threads that the use leaves behind still call it
-    for (const Use& use : kUses) {
-        if (use.what == arguments[0]) {
-            use.body(s_library);
-        }
+    static LoadedLibrary s_library;  // threads that stay behind still call it
+    const std::string& what = arguments[0];
+    if (what == "busy") {
+        LeaveThreadBusy(s_library);
+        return 0;
+    }
+    EXPECT_EQ(QX_S_OK, CacheWitness(s_library));
+    if (what == "flush") {
+        s_library.Call("QXComFlushFactoryCache");
+    } else if (what == "unload") {
+        s_library.Close();
+        EXPECT_FALSE(IsLoaded());
+    } else if (what == "waiting") {
+        LeaveThreadWaiting(s_library);
     }
     return 0;
 }
@@ -186,7 +159,7 @@ TEST(LoadUnload, ReleasesCachedFactoriesAndUnloadsNoneOfTheirLibraries) {
     for (const char* what : {"flush", "unload"}) {
         EXPECT_EQ("loaded asked released unloaded ", LogOfUse(what)) << what;
     }
-    for (const char* what : {"process end", "process end while a thread waits"}) {
+    for (const char* what : {"process end", "waiting"}) {
         EXPECT_EQ(kEndDetachesLastLoadedFirst ? "loaded asked unloaded released "
                                               : "loaded asked released unloaded ",
                   LogOfUse(what))
@@ -196,7 +169,7 @@ TEST(LoadUnload, ReleasesCachedFactoriesAndUnloadsNoneOfTheirLibraries) {
 
 TEST(LoadUnload, ProcessEndPullsNothingFromUnderABusyThread) {
     for (int round = 0; round < 20; ++round) {
-        const std::string log = LogOfUse("process end while a thread is busy");
+        const std::string log = LogOfUse("busy");
         EXPECT_EQ(0u, log.find("loaded asked")) << log;
     }
 }
