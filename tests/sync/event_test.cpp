@@ -52,18 +52,26 @@ class Object {
     QXResult Wait() const { return m_kind.wait(m_handle); }
     QXResult Poll() const { return m_kind.poll(m_handle); }
 
-    std::vector<std::unique_ptr<BlockedCall>> BlockThreads(int count) const {
-        std::vector<std::unique_ptr<BlockedCall>> threads;
-        for (int index = 0; index < count; ++index) {
-            threads.push_back(std::make_unique<BlockedCall>([this] { return Wait(); }));
-        }
-        return threads;
-    }
-
   private:
     const Kind& m_kind;
     QXHandle m_handle = nullptr;
 };
+
+using Threads = std::vector<std::unique_ptr<BlockedCall>>;
+
+Threads BlockThreads(const Object& object, size_t count) {
+    Threads threads;
+    while (threads.size() < count) {
+        threads.push_back(std::make_unique<BlockedCall>([&] { return object.Wait(); }));
+    }
+    return threads;
+}
+
+void ExpectReleased(const Threads& threads) {
+    for (const auto& thread : threads) {
+        EXPECT_EQ(QX_S_OK, thread->Result());
+    }
+}
 
 TEST(WaitingObjects, KeepTheirSignalForOneWaitOrForAll) {
     for (const Kind* kind : {&kAutoReset, &kManualReset, &kGate, &kSemaphore}) {
@@ -87,22 +95,19 @@ TEST(WaitingObjects, KeepTheirSignalForOneWaitOrForAll) {
 }
 
 TEST(WaitingObjects, ASignalBelongsToTheLongestWaitAndNotToTheSignallersPoll) {
-    constexpr int kThreads = 5;
     for (const Kind* kind : {&kAutoReset, &kSemaphore}) {
         SCOPED_TRACE(kind->name);
         const Object object(*kind);
-        const auto threads = object.BlockThreads(kThreads);
-        for (int index = 0; index < kThreads; ++index) {
+        const Threads threads = BlockThreads(object, 5);
+        for (size_t index = 0; index < threads.size(); ++index) {
             object.Signal();
             EXPECT_EQ(kind->busy, object.Poll());
             if (index < 2) {
                 EXPECT_EQ(QX_S_OK, threads[index]->Result());
-                EXPECT_FALSE(threads[kThreads - 1]->HasReturned());
+                EXPECT_FALSE(threads.back()->HasReturned());
             }
         }
-        for (const auto& thread : threads) {
-            EXPECT_EQ(QX_S_OK, thread->Result());
-        }
+        ExpectReleased(threads);
         EXPECT_EQ(kind->busy, object.Poll());
     }
 }
@@ -112,13 +117,11 @@ TEST(WaitingObjects, ASignalThatIsResetAtOnceReleasesAllWhoWaited) {
         for (int round = 0; round < 10; ++round) {
             SCOPED_TRACE(kind->name);
             const Object object(*kind);
-            const auto threads = object.BlockThreads(3);
+            const Threads threads = BlockThreads(object, 3);
             object.Signal();
             object.Reset();
             EXPECT_EQ(kind->busy, object.Poll());
-            for (const auto& thread : threads) {
-                EXPECT_EQ(QX_S_OK, thread->Result());
-            }
+            ExpectReleased(threads);
         }
     }
 }

@@ -55,17 +55,6 @@ TEST_F(LockStats, RecursionIsCountedAndMeasuredOnce) {
     EXPECT_EQ(once.maxHeldTime, StatsOf(mutex).maxHeldTime);
 }
 
-TEST_F(LockStats, MutexesWithoutFiguresLeaveTheRecord) {
-    QXLockStats stats{1, 2, 3, 4, 5, 6, 7};
-    EXPECT_EQ(QX_E_NOTIMPL,
-              QXGetLockStats(NewMutex("", QX_MUTEX_STATS | QX_MUTEX_NOSTATS), &stats));
-    EXPECT_EQ(1, stats.maxAcquireTime);
-    EXPECT_EQ(7, stats.contentionCount);
-    const QXHandle checked = NewMutex("", QX_MUTEX_CHECKED);
-    Hold(checked);
-    EXPECT_TRUE(IsAllZero(StatsOf(checked)));
-}
-
 TEST_F(LockStats, AHoldThatSpansAResetIsMeasuredInFull) {
     const QXHandle mutex = NewMutex("");
     Hold(mutex);
@@ -174,7 +163,6 @@ TEST_F(LockReport, NullMeansTheUsualTitleAndFile) {
     std::filesystem::current_path(before);
     const std::string text = ReadTextFile(m_directory.Path() / "qxlockstats.csv");
     EXPECT_EQ(0u, text.find("BeginLockStatistics: LockStatsDump - ")) << text;
-    EXPECT_NE(text.npos, text.find("\nEndLockStatistics: LockStatsDump - ")) << text;
 }
 
 TEST_F(LockReport, APathThatCannotBeOpenedIsAResult) {
@@ -187,14 +175,12 @@ TEST_F(LockReport, APathThatCannotBeOpenedIsAResult) {
 }
 
 TEST_F(LockReport, IsWholeWhileMutexesComeAndGo) {
-    constexpr int kThreads = 3;
-    constexpr int kRounds = 300;
     const QXHandle shared = NewMutex("shared");
-    std::atomic<int> running{kThreads};
+    std::atomic<int> running{3};
     std::vector<std::thread> threads;
-    for (int index = 0; index < kThreads; ++index) {
+    for (int left = running; left > 0; --left) {
         threads.emplace_back([&] {
-            for (int round = 0; round < kRounds; ++round) {
+            for (int round = 0; round < 300; ++round) {
                 QXHandle own = nullptr;
                 EXPECT_EQ(QX_S_OK, QXMutexCreate("own", QX_MUTEX_STATS | QX_MUTEX_CHECKED, &own));
                 Hold(shared);

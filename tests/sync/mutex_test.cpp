@@ -38,8 +38,10 @@ TEST(Mutex, FlagsDecideTheKind) {
                            {QX_MUTEX_CHECKED | QX_MUTEX_STATS | QX_MUTEX_NOSTATS, QX_S_OK, 0}}) {
         QXHandle mutex = nullptr;
         ASSERT_EQ(QX_S_OK, QXMutexCreate(nullptr, row.flags, &mutex));
-        QXLockStats stats;
+        QXLockStats stats{1, 2, 3, 4, 5, 6, 7};
         EXPECT_EQ(row.stats, QXGetLockStats(mutex, &stats)) << row.flags;
+        EXPECT_EQ(row.stats == QX_S_OK ? 0 : 1,
+                  stats.maxAcquireTime);  // refused, it is not touched
         EXPECT_EQ(1, QXMutexAssertOwnership(mutex, 0));
         EXPECT_EQ(row.claimed, QXMutexAssertOwnership(mutex, 1));
         EXPECT_NE(nullptr, QXMutexGetOSMutex(mutex));

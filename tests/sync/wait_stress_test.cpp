@@ -133,32 +133,6 @@ TEST(WaitStress, EachSignalOfAnEventEndsOneWait) {
     QXEventDestroy(event);
 }
 
-TEST(WaitStress, AGateThatOpensAndClosesLetsAllThroughWhoWaitBefore) {
-    constexpr int kRounds = 500;
-    QXHandle gate = nullptr;
-    ASSERT_EQ(QX_S_OK, QXGateCreate("g", 0, &gate));
-    std::atomic<int> passed{0};
-    std::atomic<bool> stop{false};
-    InThreads(kThreads, [&](int index, Chance& chance) {
-        if (index == 0) {
-            for (int round = 0; round < kRounds; ++round) {
-                QXGateOpen(gate);
-                QXGateClose(gate);
-                chance.Dawdle();
-            }
-            stop = true;
-            QXGateOpen(gate);
-            return;
-        }
-        while (!stop) {
-            const uint32_t ms = static_cast<uint32_t>(chance.Below(2));
-            passed += (index % 2 == 0 ? QXGateWait(gate) : QXGateTimedWait(gate, ms)) == QX_S_OK;
-        }
-    });
-    EXPECT_GE(passed, 1);
-    QXGateDestroy(gate);
-}
-
 // Whoever's time runs out goes away without a look. Had it swallowed a signal, an item would be
 // left and the others asleep.
 TEST(WaitStress, AConditionsSignalIsNotSwallowedByAWaitThatRunsOut) {
@@ -266,47 +240,55 @@ TEST(WaitStress, AReaderWriterLockHoldsReadersOrOneWriter) {
 // The object ends the moment that its waiter is released, with the signalling thread still in its
 // call.
 TEST(WaitStress, WhoeverIsReleasedMayDestroyTheObjectAtOnce) {
-    InThreads(3, [](int index, Chance& chance) {
+    struct Kind {
+        QXResult (*create)(QXHandle*);
+        QXResult (*signal)(QXHandle);
+        QXResult (*wait)(QXHandle);
+        QXResult (*destroy)(QXHandle);
+    };
+    const Kind kKinds[] = {{[](QXHandle* out) { return QXEventCreate("e", 0, out); }, QXEventSignal,
+                            QXEventWait, QXEventDestroy},
+                           {[](QXHandle* out) { return QXGateCreate("g", 0, out); }, QXGateOpen,
+                            QXGateWait, QXGateDestroy},
+                           {[](QXHandle* out) { return QXSemaphoreCreate(0, "s", 0, out); },
+                            QXSemaphorePost, QXSemaphoreWait, QXSemaphoreDestroy}};
+    InThreads(3, [&](int index, Chance& chance) {
+        const Kind& kind = kKinds[index];
         for (int round = 0; round < 1000; ++round) {
             QXHandle object = nullptr;
-            bool ready = false;
-            if (index == 0) {
-                QXEventCreate("e", round % 2 != 0 ? QX_EVENT_MANUALRESET : 0, &object);
-            } else if (index == 1) {
-                QXSemaphoreCreate(0, "s", 0, &object);
-            } else {
-                QXConditionCreate("c", 0, &object);
-            }
+            EXPECT_EQ(QX_S_OK, kind.create(&object));
             std::thread waiter([&] {
-                if (index == 0) {
-                    QXEventWait(object);
-                    QXEventDestroy(object);
-                } else if (index == 1) {
-                    QXSemaphoreWait(object);
-                    QXSemaphoreDestroy(object);
-                } else {
-                    QXConditionAcquire(object);
-                    while (!ready) {
-                        QXConditionWait(object);
-                    }
-                    QXConditionRelease(object);
-                    QXConditionDestroy(object);
-                }
+                kind.wait(object);
+                kind.destroy(object);
             });
             chance.Dawdle();
-            if (index == 0) {
-                QXEventSignal(object);
-            } else if (index == 1) {
-                QXSemaphorePost(object);
-            } else {
-                QXConditionAcquire(object);
-                ready = true;
-                QXConditionSignal(object);
-                QXConditionRelease(object);
-            }
+            kind.signal(object);
             waiter.join();
         }
     });
+}
+
+TEST(WaitStress, WhoeverIsReleasedMayDestroyTheConditionAtOnce) {
+    Chance chance(0);
+    for (int round = 0; round < 1000; ++round) {
+        QXHandle condition = nullptr;
+        EXPECT_EQ(QX_S_OK, QXConditionCreate("c", 0, &condition));
+        bool ready = false;
+        std::thread waiter([&] {
+            QXConditionAcquire(condition);
+            while (!ready) {
+                QXConditionWait(condition);
+            }
+            QXConditionRelease(condition);
+            QXConditionDestroy(condition);
+        });
+        chance.Dawdle();
+        QXConditionAcquire(condition);
+        ready = true;
+        QXConditionSignal(condition);
+        QXConditionRelease(condition);
+        waiter.join();
+    }
 }
 
 }  // namespace
