@@ -67,12 +67,7 @@ static QXResult FactoryQueryInterface(IQXClassFactory* self, const GUID* interfa
     return known ? QX_S_OK : (QXResult)kNoInterface;
 }
 
-static uint32_t FactoryAddRef(IQXClassFactory* self) {
-    (void)self;
-    return 2;
-}
-
-static uint32_t FactoryRelease(IQXClassFactory* self) {
+static uint32_t FactoryReferences(IQXClassFactory* self) {
     (void)self;
     return 1;
 }
@@ -86,20 +81,19 @@ static QXResult FactoryCreateInstance(IQXClassFactory* self, void* outer, const 
         return (QXResult)kNoAggregation;
     }
     QXResult outcome = QXCalloc(1, sizeof(Tally), &block);
-    if (QX_FAILED(outcome)) {
-        return outcome;
+    if (QX_SUCCEEDED(outcome)) {
+        Tally* const tally = (Tally*)block;
+        tally->base.table = &kTallyTable;
+        tally->references = 1;
+        ++s_made;
+        outcome = TallyQueryInterface(&tally->base, interfaceID, result);
+        TallyRelease(&tally->base);
     }
-    Tally* const tally = (Tally*)block;
-    tally->base.table = &kTallyTable;
-    tally->references = 1;
-    ++s_made;
-    outcome = TallyQueryInterface(&tally->base, interfaceID, result);
-    TallyRelease(&tally->base);
     return outcome;
 }
 
-static const IQXClassFactoryTable kFactoryTable = {FactoryQueryInterface, FactoryAddRef,
-                                                   FactoryRelease, FactoryCreateInstance};
+static const IQXClassFactoryTable kFactoryTable = {FactoryQueryInterface, FactoryReferences,
+                                                   FactoryReferences, FactoryCreateInstance};
 
 static IQXClassFactory s_factory = {&kFactoryTable};
 

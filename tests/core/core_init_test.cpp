@@ -74,28 +74,24 @@ TEST(EntryGuard, TurnsWhatIsThrownIntoItsCode) {
     EXPECT_EQ(QX_E_FAIL, RunGuarded([]() -> QXResult { throw 1; }));
 }
 
-class Counted : public CQXCoreRefCounted {
-  public:
-    explicit Counted(bool* isThere) : m_isThere(isThere) { *m_isThere = true; }
+struct Counted : CQXCoreRefCounted {
+    explicit Counted(bool* isThere) : m_isThere(isThere) {}
     ~Counted() override { *m_isThere = false; }
 
-  private:
     bool* m_isThere;
 };
 
 TEST(RefPtr, LastDetachDestroysTheObject) {
-    bool isThere = false;
+    bool isThere = true;
     auto* const object = new Counted(&isThere);
     CQXRefPtr<Counted> first(object);
-    {
-        CQXRefPtr<Counted> second;
-        second = first;
-        second = *&second;
-        EXPECT_EQ(2u, object->m_refCount);
-        CQXRefPtr<Counted> third(std::move(second));
-        EXPECT_EQ(2u, object->m_refCount);
-        EXPECT_FALSE(second);
-    }
+    CQXRefPtr<Counted> second;
+    second = first;
+    second = *&second;
+    EXPECT_EQ(2u, object->m_refCount);
+    CQXRefPtr<Counted> third(std::move(second));
+    EXPECT_FALSE(second);
+    third = CQXRefPtr<Counted>();
     EXPECT_EQ(1u, object->m_refCount);
     first = CQXRefPtr<Counted>(first.MoveOut());
     EXPECT_EQ(2u, object->m_refCount);

@@ -162,43 +162,36 @@ TEST(Option, AScanStartsOverByIndexZeroOrByReset) {
 TEST(Option, ShortOptionsOfTheScanner) {
     struct Row {
         const char* shortOptions;
-        Case scanned;
+        std::string vector, trace;
+        std::string complaint = "";
         u32 flags = QX_OPTION_PERMUTE;
-        const QXOptionRecord* records = kRecords;
     };
     const QXOptionRecord alike[] = {
         {"verbose", 0, 1}, {"verbosity", 0, 1}, {"file", 0, 5}, {"files", 1, 5}, {nullptr, 0, 0}};
     for (const Row& row : {
-             Row{"ab:c::", {"prog -abx -b y -cz -c w", "97 98(x) 98(y) 99(z) 99 @6"}},
-             {"b:", {"prog -b", "63!98 @2", "", "Usage: option requires an argument -- b\n"}},
-             {":b:", {"prog -b -x", "98(-x) @3"}},
-             {":b:", {"prog -x -b", "63!120 58!98 @3"}},
-             {"+a", {"prog x -a", "@1"}},
-             {"-a", {"prog x -a y", "1(x) 97 1(y) @4"}},
-             {"a-", {"prog -a- -a", "97 63!0 97 @3", "", "Usage: option '--' is ambiguous\n"}},
-             {"W;",
-              {"prog -W flag -Wfile=1 -W", "5 3(1) 63!87 @5", "",
-               "Usage: option requires an argument -- W\n"}},
-             {"W;",
-              {"prog -Wx -W flag=1", "63!0 63!5 @4", "",
-               "Usage: unrecognized option '-W x'\n"
-               "Usage: option '-W flag' doesn't allow an argument\n"}},
-             {":W;", {"prog -W file", "58!3 @3"}},
-             {"", {"prog --verb", "1 @2"}, QX_OPTION_PERMUTE, alike},
-             {"",
-              {"prog --fi", "63!0 @2", "", "Usage: option '--fi' is ambiguous\n"},
-              QX_OPTION_PERMUTE,
-              alike},
-             {"f",
-              {"prog -f -flag -vers -x", "102 5 2 63!0 @5", "",
-               "Usage: unrecognized option '-x'\n"},
+             Row{"ab:c::", "prog -abx -b y -cz -c w", "97 98(x) 98(y) 99(z) 99 @6"},
+             {"b:", "prog -b", "63!98 @2", "Usage: option requires an argument -- b\n"},
+             {":b:", "prog -b -x", "98(-x) @3"},
+             {":b:", "prog -x -b", "63!120 58!98 @3"},
+             {"+a", "prog x -a", "@1"},
+             {"-a", "prog x -a y", "1(x) 97 1(y) @4"},
+             {"a-", "prog -a- -a", "97 63!0 97 @3", "Usage: option '--' is ambiguous\n"},
+             {"W;", "prog -W flag -Wfile=1 -W", "5 3(1) 63!87 @5",
+              "Usage: option requires an argument -- W\n"},
+             {"W;", "prog -Wx -W flag=1", "63!0 63!5 @4",
+              "Usage: unrecognized option '-W x'\n"
+              "Usage: option '-W flag' doesn't allow an argument\n"},
+             {":W;", "prog -W file", "58!3 @3"},
+             {"", "prog --verb", "1 @2"},
+             {"", "prog --fi", "63!0 @2", "Usage: option '--fi' is ambiguous\n"},
+             {"f", "prog -f -flag -vers -x", "102 5 2 63!0 @5", "Usage: unrecognized option '-x'\n",
               QX_OPTION_PERMUTE | QX_OPTION_LONGONLY},
-             {"x",
-              {"prog -xy", "120 63!0 @2", "", "Usage: unrecognized option '-y'\n"},
+             {"x", "prog -xy", "120 63!0 @2", "Usage: unrecognized option '-y'\n",
               QX_OPTION_LONGONLY},
          }) {
-        ExpectScan(row.scanned, [&](int32_t count, char** vector) {
-            return QXGetOptionInternal(count, vector, row.shortOptions, row.records, nullptr,
+        const QXOptionRecord* const records = *row.shortOptions == '\0' ? alike : kRecords;
+        ExpectScan({row.vector, row.trace, "", row.complaint}, [&](int32_t count, char** vector) {
+            return QXGetOptionInternal(count, vector, row.shortOptions, records, nullptr,
                                        row.flags);
         });
     }
