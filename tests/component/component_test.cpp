@@ -239,14 +239,4 @@ TEST_F(Component, AllocationFailureIsAResultAndLeavesNull) {
     EXPECT_GE(failing, 5);
 }
 
-TEST_F(Component, MemoryMayBeEmpty) {
-    void* block = nullptr;
-    ASSERT_EQ(QX_S_OK, QXComMalloc(0, &block));
-    EXPECT_NE(nullptr, block);
-    ASSERT_EQ(QX_S_OK, QXComRealloc(&block, 100));
-    EXPECT_EQ(QX_S_OK, QXComRealloc(&block, 0));
-    EXPECT_EQ(nullptr, block);
-    EXPECT_EQ(QX_S_OK, QXComFree(nullptr));
-}
-
 }  // namespace

@@ -13,10 +13,8 @@ TEST(SystemInfo, FillsEachFieldAndNoPadding) {
     ASSERT_EQ(QXGetSystemInfo(&info, 0), QX_S_OK);
     EXPECT_LE(info.availablePhysicalMemory, info.totalPhysicalMemory);
     EXPECT_LT(info.availableVirtualMemory, info.totalVirtualMemory);
-    EXPECT_GT(info.availableVirtualMemory, 0u);
     EXPECT_EQ(info.pageSize & (info.pageSize - 1), 0u);
     EXPECT_EQ(info.allocationGranularity % info.pageSize, 0u);
-    EXPECT_GE(info.numberOfProcessors, 1u);
     EXPECT_EQ(info.reservedZero, 0u);
 #if defined(__x86_64__)
     EXPECT_EQ(info.processorType, 8664u);

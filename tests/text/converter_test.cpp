@@ -253,19 +253,18 @@ TEST(OneShot, TellsHowFarAFailureCame) {
 
 // Whatever the pieces that it is read in, and also where a character cannot be mapped.
 TEST(OneShot, ConvertsWhatDoesNotGrowWithinOneBuffer) {
-    for (const size_t repeats : {1, 200}) {
-        std::string source;
-        for (size_t count = 0; count < repeats; ++count) {
-            source += "caf\u00E9 5 \u20AC d\u00E9j\u00E0 ";
+    for (const int repeats : {1, 200}) {
+        std::string text, expected;
+        for (int count = 0; count < repeats; ++count) {
+            text += "caf\u00E9 5 \u20AC d\u00E9j\u00E0 ";
+            expected += "caf\xE9 5 ? d\xE9j\xE0 ";
         }
-        const OneShot apart = Convert(source, u"UTF-8", source.size(), u"ISO-8859-1", '?');
-        size_t read = source.size();
-        size_t written = source.size();
-        EXPECT_EQ(QX_S_OK, QXEncConvert(source.data(), &read, u"UTF-8", source.data(), &written,
+        size_t size = text.size();
+        size_t written = size;
+        EXPECT_EQ(QX_S_OK, QXEncConvert(text.data(), &size, u"UTF-8", text.data(), &written,
                                         u"ISO-8859-1", '?'));
-        EXPECT_EQ(0u, source.find("caf\xE9 5 ? d\xE9j\xE0 "));
-        EXPECT_EQ(apart.target.substr(0, apart.written), source.substr(0, written));
-        EXPECT_EQ(apart.read, read);
+        EXPECT_EQ(text.size(), size);
+        EXPECT_EQ(expected, text.substr(0, written));
     }
 }
 
