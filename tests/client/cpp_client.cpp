@@ -1,61 +1,34 @@
-// A program in C++ that uses the installed library and a component library, whose class it finds by
-// its program id.
+// A program in C++ that uses the installed library and a component library, which it opens itself.
 //   cpp_client COMPONENT_LIBRARY
-#include <cstring>
 #include <string>
 
 #include "expect.h"
 #include "tally.h"
 
-namespace {
-
-constexpr char16_t kProgram[] = u"Client.Tally";
-
-std::u16string Wide(const char* text) {
-    std::u16string wide(QXAnsiToUnicode(nullptr, text, 0), u'\0');
-    QXAnsiToUnicode(wide.data(), text, wide.size());
-    return wide;
-}
-
-std::u16string ClassText() {
-    wchar text[QX_GUID_TEXT_SIZE];
-    QXComStringFromGUID(&kTallyClass, text, QX_GUID_TEXT_SIZE);
-    return text;
-}
-
-QXResult SetDefaultValue(const std::u16string& key, const std::u16string& text) {
-    return QXRegistrySetValue(QX_HKEY_CLASSES_64, key.c_str(), u"", QX_REG_STRING, text.c_str(),
-                              static_cast<uint32_t>(2 * text.size() + 2));
-}
-
-void UseObject() {
-    void* object = nullptr;
-    EXPECT(QXComCreateObjectByProgID(kProgram, nullptr, &kTallyInterface, &object) == QX_S_OK);
-    if (object != nullptr) {
-        auto* const tally = static_cast<ITally*>(object);
-        EXPECT(tally->Add(40) == 40);
-        EXPECT(tally->Add(2) == 42);
-        EXPECT(tally->Made() == 1);
-        EXPECT(std::strcmp(tally->Mark(), QXUtf8BomStr) == 0);
-        EXPECT(tally->Release() == 0);
-    }
-}
-
-}  // namespace
-
 int main(int count, char** arguments) {
     if (count != 2) {
         return 2;
     }
-    const std::u16string key = u"CLSID\\" + ClassText();
-    EXPECT(SetDefaultValue(key + u"\\InprocServer32", Wide(arguments[1])) == QX_S_OK);
-    EXPECT(SetDefaultValue(std::u16string(kProgram) + u"\\CLSID", ClassText()) == QX_S_OK);
-    UseObject();
-    EXPECT(QXComFlushFactoryCache() == QX_S_OK);  // unloads the component library
-    QXUtf8BomStr = "another mark";                // which is loaded again, and shares the variable
-    UseObject();
-    EXPECT(QXComFlushFactoryCache() == QX_S_OK);
-    EXPECT(QXRegistryDeleteKey(QX_HKEY_CLASSES_64, key.c_str()) == 0);
-    EXPECT(QXRegistryDeleteKey(QX_HKEY_CLASSES_64, kProgram) == 0);
+    std::u16string path(QXAnsiToUnicode(nullptr, arguments[1], 0), u'\0');
+    QXAnsiToUnicode(path.data(), arguments[1], path.size());
+    QXHandle library = nullptr;
+    void* symbol = nullptr;
+    EXPECT(QXLibOpen(path.c_str(), &library) == QX_S_OK);
+    EXPECT(QXLibGetSymbol(library, u"DllGetClassObject", &symbol) == QX_S_OK);
+    if (symbol == nullptr) {
+        return 1;
+    }
+    const auto getFactory =
+        reinterpret_cast<QXResult (*)(const GUID*, const GUID*, void**)>(symbol);
+    void* factory = nullptr;
+    void* object = nullptr;
+    EXPECT(getFactory(&kTallyClass, &QX_IID_CLASS_FACTORY, &factory) == QX_S_OK);
+    EXPECT(static_cast<IQXClassFactory*>(factory)->CreateInstance(nullptr, &kTallyInterface,
+                                                                  &object) == QX_S_OK);
+    auto* const tally = static_cast<ITally*>(object);
+    EXPECT(tally->Add(40) == 40);
+    EXPECT(tally->Add(2) == 42);
+    EXPECT(tally->Release() == 0);
+    EXPECT(QXLibClose(library) == QX_S_OK);
     return failures != 0;
 }

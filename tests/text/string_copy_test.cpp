@@ -68,27 +68,27 @@ template <typename Unit>
 void ExpectCounted(Unit* copy(Unit*, const Unit*, size_t), Unit* append(Unit*, const Unit*, size_t),
                    Unit* appendAll(Unit*, const Unit*)) {
     using String = std::basic_string<Unit>;
-    for (const size_t length : {0, 1, 9}) {
-        const String letters = Letters<Unit>(length);
-        const auto source = ExactText(letters);
-        for (size_t count = 0; count <= length + 3; ++count) {
-            String target(count, '#');
-            EXPECT_EQ(copy(target.data(), source.data(), count), target.data());
-            EXPECT_EQ(target,
-                      letters.substr(0, count) + String(count - std::min(count, length), 0));
-
-            const String head = letters.substr(0, count);
-            auto longer = ExactText(letters);
-            longer.resize(2 * length + head.size() + 1, '#');
-            EXPECT_EQ(append(longer.data(), source.data(), count), letters + head);
-            EXPECT_EQ(appendAll(longer.data(), source.data()), letters + head + letters);
-        }
+    const String letters = Letters<Unit>(9);
+    for (size_t count = 0; count <= 12; ++count) {
+        const String head = letters.substr(0, count);
+        String target(count, '#');
+        EXPECT_EQ(copy(target.data(), letters.c_str(), count), target.data());
+        EXPECT_EQ(target, head + String(count - head.size(), 0));
+        auto longer = ExactText(letters);
+        longer.resize(letters.size() + head.size() + letters.size() + 1, '#');
+        EXPECT_EQ(append(longer.data(), letters.c_str(), count), letters + head);
+        EXPECT_EQ(appendAll(longer.data(), letters.c_str()), letters + head + letters);
     }
 }
 
 TEST(StringCopy, CountedCopiesFillUpAndDoNotTerminate) {
     ExpectCounted(QXStrNCpyA, QXStrNCatA, QXStrCatA);
     ExpectCounted(QXStrNCpyW, QXStrNCatW, QXStrCatW);
+    // Of what is not terminated no more is read than counts.
+    const auto open = ExactUnits(std::u16string(u"abc"));
+    char16_t target[8] = {};
+    QXStrNCpyW(target, open.data(), 3);
+    EXPECT_EQ(QXStrNCatW(target, open.data(), 3), std::u16string(u"abcabc"));
 }
 
 // What an NZ member leaves in a buffer that held '#' behind its text.
