@@ -18,8 +18,7 @@ namespace allowance {
 // ASCII.
 inline std::string NarrowEncodingIsTheSystems(std::string text) {
     for (char& unit : text) {
-        unit = static_cast<char>(unit & 0x7F);
-        unit = unit != 0 ? unit : '?';
+        unit = (unit & 0x7F) != 0 ? static_cast<char>(unit & 0x7F) : '?';
     }
     return text;
 }
@@ -41,23 +40,18 @@ inline uint32_t MappedUnitHasAnySign(int32_t mapped) {
 
 // Classes and cases beyond ASCII come from the C runtime's tables, which do not agree on all units.
 inline bool WideClassIsTheRuntimes(uint32_t unit) {
-    struct Range {
-        uint32_t first;
-        uint32_t last;
-    };
-    constexpr Range kAgreed[] = {{0, 0x7F},        {0xC0, 0xDE},     {0xE0, 0xFE},
-                                 {0x391, 0x3A1},   {0x3B1, 0x3C1},   {0x410, 0x44F},
-                                 {0x3041, 0x3093}, {0x4E00, 0x9FA5}, {0xD800, 0xDFFF}};
-    return std::none_of(std::begin(kAgreed), std::end(kAgreed), [unit](const Range& range) {
-        return range.first <= unit && unit <= range.last;
+    constexpr uint32_t kAgreed[][2] = {{0, 0x7F},        {0xC0, 0xDE},     {0xE0, 0xFE},
+                                       {0x391, 0x3A1},   {0x3B1, 0x3C1},   {0x410, 0x44F},
+                                       {0x3041, 0x3093}, {0x4E00, 0x9FA5}, {0xD800, 0xDFFF}};
+    return std::none_of(std::begin(kAgreed), std::end(kAgreed), [unit](const uint32_t(&range)[2]) {
+        return range[0] <= unit && unit <= range[1];
     });
 }
 
 inline std::u16string WideCaseIsTheRuntimes(std::u16string text) {
-    constexpr uint32_t kCyrillicLetters = 64;
     for (char16_t& unit : text) {
         if (WideClassIsTheRuntimes(unit)) {
-            unit = static_cast<char16_t>(0x410 + unit % kCyrillicLetters);
+            unit = static_cast<char16_t>(0x410 + unit % 64);
         }
     }
     return text;
@@ -86,22 +80,16 @@ inline std::u16string LocaleIsTheUsers(const std::u16string& name) {
 // user's classes, and so is the machine's tree outside "Software". So each root has a key of its
 // own.
 inline std::u16string RootsAreMergedViews(int32_t root) {
-    switch (root) {
-        case QX_HKEY_CLASSES:
-            return u"w64qxcore6-transcript-32";
-        case QX_HKEY_CLASSES_64:
-            return u"w64qxcore6-transcript-64";
-        default:
-            return u"Software\\w64qxcore6-transcript";
-    }
+    return root == QX_HKEY_CLASSES      ? u"w64qxcore6-transcript-32"
+           : root == QX_HKEY_CLASSES_64 ? u"w64qxcore6-transcript-64"
+                                        : u"Software\\w64qxcore6-transcript";
 }
 
 // The reference platform stores a text's terminator that was not counted, if there is one behind
 // the text. So there is never one.
 inline std::vector<char16_t> UncountedTerminatorIsStored(const std::u16string& data) {
-    std::vector<char16_t> guarded(data.begin(), data.end());
-    guarded.push_back(u'~');
-    return guarded;
+    const std::u16string guarded = data + u'~';
+    return {guarded.begin(), guarded.end()};
 }
 
 // Wine takes the text between a single percent sign and the next reference for a name, and leaves

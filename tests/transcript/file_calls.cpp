@@ -17,14 +17,15 @@ constexpr const wchar* kNames[] = {u"a",      u"b",     u"c d",      u"\u00E9\U0
                                    u"none/a", u"a/b",   u"."};
 constexpr const wchar* kTails[] = {u"/x", u"/x/../y", u"\\.//x\\", u"/x/y/../../.", u"/..x"};
 
-// Two handles of files in a directory of the list's own, and what comes and goes in it.
+// Two handles of files in a directory of the list's own, and what comes and goes in it. Two others
+// are of one file, which is never read nor written: one locks for itself alone, the other shares.
 struct Files {
-    const TemporaryDirectory directory;
-    Handles open{2, QXFileClose};
-
-    // Of one file, which is never read nor written.
-    Handles locked{2, QXFileClose};
-
+    Files() {
+        for (const size_t place : {0, 1}) {
+            QXFileOpen(Place(u"locked").c_str(), QX_FILE_READ | QX_FILE_WRITE | QX_FILE_CREATE,
+                       0666, &locked.At(place));
+        }
+    }
     ~Files() {
         std::error_code ignored;
         std::filesystem::permissions(directory.Path() / "read-only",
@@ -38,18 +39,10 @@ struct Files {
         const std::u16string name = random.OneIn(3) ? random.Of(kNames) : kNames[random.Below(3)];
         return {name, Place(name)};
     }
-    QXHandle Locked(uint32_t which) {
-        void*& file = locked.At(which);
-        if (!IsOpen(file)) {
-            QXFileOpen(Place(u"locked").c_str(), QX_FILE_READ | QX_FILE_WRITE | QX_FILE_CREATE,
-                       0666, &file);
-        }
-        return file;
-    }
-    void CloseAll() {
-        open.CloseAll();
-        locked.CloseAll();
-    }
+
+    const TemporaryDirectory directory;
+    Handles open{2, QXFileClose};
+    Handles locked{2, QXFileClose};
 };
 
 uint32_t AnyFlags(Random& random) {
@@ -60,6 +53,10 @@ uint32_t AnyFlags(Random& random) {
 
 uint32_t FlagsAndMore(Random& random) {
     return AnyFlags(random) | random.Of(kMore);
+}
+
+uint32_t TemporaryFlags(Random& random) {
+    return AnyFlags(random) | QX_FILE_TEMPORARY;
 }
 
 template <typename Number>
@@ -84,6 +81,10 @@ QXResult Copy(const wchar* from, const wchar* to, uint32_t flags, int32_t mode) 
     QXHandle file = nullptr;
     const QXResult result = QXFileCopy(from, to, flags, mode, &file);
     return IsOpen(file) ? QXFileClose(file) : result;
+}
+
+QXResult RemoveDirectory(const wchar* path) {
+    return std::u16string_view(path).ends_with(u'.') ? QX_S_OK : QXDirRemove(path);
 }
 
 void List(const wchar* path, Line& line) {
@@ -113,68 +114,55 @@ Calls FileCalls() {
     const auto path = [=](Random& random) { return files->AnyPath(random); };
     const auto pathAlone = [=](Random& random) {
         static_assert(allowance::kOpenFilesStay);
-        files->CloseAll();
+        files->open.CloseAll();
         return files->AnyPath(random);
     };
+    // Of this file nothing else is asked for than that it is listed.
+    const auto makeReadOnly = [=] {
+        static_assert(allowance::kReadOnlyBindsNotEverybody);
+        return OpenOnce(files->Place(u"read-only").c_str(),
+                        QX_FILE_WRITE | QX_FILE_CREATE | QX_FILE_EXCLUSIVE, 0444);
+    };
+    static_assert(allowance::kLocksBindReaders && allowance::kOwnLockMayBindItsHandle);
+    const auto lock = [=](uint32_t which, uint32_t offset, uint32_t length) {
+        return QXFileLock(files->locked.At(which), offset, length, which);
+    };
+    const auto unlock = [=](uint32_t which, uint32_t offset, uint32_t length) {
+        return QXFileUnlock(files->locked.At(which), offset, length);
+    };
+    const auto list = [=](Random& random, Line& line) {
+        const ShownText<wchar> one = files->AnyPath(random);
+        const bool listsAll = !random.OneIn(3);
+        line.Add("name", listsAll ? u"" : one.shown);
+        List(listsAll ? files->Place(u"").c_str() : one.c_str(), line);
+    };
+    const auto expand = [=](Random& random, Line& line) {
+        const std::u16string base = files->directory.Path().u16string();
+        wchar whole[600] = {};
+        line.Result(QXPathExpand((base + random.Of(kTails)).c_str(), whole, 600));
+        line.Add("tail", allowance::SeparatorIsThePlatforms(whole).substr(base.size()));
+    };
     constexpr auto kMode = Within<0666>;
+    constexpr auto kOrigin = Within<0, 3>;
+    constexpr auto kDone = Unset<uint32_t>;
     return {
         {NAMED(QXFileOpen, path, FlagsAndMore, kMode, NewOne(all)), 8},
-        {"temporary file",
-         Row(
-             OpenOnce, pathAlone,
-             [](Random& random) { return AnyFlags(random) | QX_FILE_TEMPORARY; }, kMode)},
-        {"read-only file", Row([=] {
-             // Of this file nothing else is asked for than that it is listed.
-             static_assert(allowance::kReadOnlyBindsNotEverybody);
-             return OpenOnce(files->Place(u"read-only").c_str(),
-                             QX_FILE_WRITE | QX_FILE_CREATE | QX_FILE_EXCLUSIVE, 0444);
-         })},
-        {NAMED(QXFileWrite, OpenOne(all), PlainText, Units, Unset<uint32_t>), 6},
-        {NAMED(QXFileRead, OpenOne(all), RoomFor<char, 60>, Within<0, 59>, Unset<uint32_t>), 6},
-        {NAMED(QXFileSeek, OpenOne(all), Offset<int32_t>, Within<0, 3>, Unset<uint32_t>), 3},
-        {"QXFileSeek64", Row(Seek64, OpenOne(all), Offset<int64_t>, Within<0, 3>, Unset<uint64_t>),
-         3},
+        {"temporary file", Row(OpenOnce, pathAlone, TemporaryFlags, kMode)},
+        {"read-only file", Row(makeReadOnly)},
+        {NAMED(QXFileWrite, OpenOne(all), PlainText, Units, kDone), 6},
+        {NAMED(QXFileRead, OpenOne(all), RoomFor<char, 60>, Within<0, 59>, kDone), 6},
+        {NAMED(QXFileSeek, OpenOne(all), Offset<int32_t>, kOrigin, kDone), 3},
+        {"QXFileSeek64", Row(Seek64, OpenOne(all), Offset<int64_t>, kOrigin, Unset<uint64_t>), 3},
         {NAMED(QXFileGetSize, OpenOne(all), Unset<uint64_t>), 2},
         {NAMED(QXFileFlush, OpenOne(all))},
         {NAMED(QXFileClose, LastUse(all)), 2},
         {"QXFileCopy", Row(Copy, path, path, AnyOf<kDispositions>, kMode), 4},
         {NAMED(QXFileDelete, pathAlone), 2},
         {NAMED(QXDirCreate, path, Within<0>), 3},
-        {"QXDirRemove", Row(
-                            [](const wchar* name) {
-                                return std::u16string_view(name).ends_with(u'.')
-                                           ? QX_S_OK
-                                           : QXDirRemove(name);
-                            },
-                            pathAlone)},
-        {"list",
-         [=](Random& random, Line& line) {
-             const ShownText<wchar> one = files->AnyPath(random);
-             const bool listsAll = !random.OneIn(3);
-             line.Add("name", listsAll ? u"" : one.shown);
-             List(listsAll ? files->Place(u"").c_str() : one.c_str(), line);
-         },
-         4},
-        {"QXFileLock",
-         Row(
-             [=](uint32_t which, uint32_t offset, uint32_t length) {
-                 // One handle locks for itself alone, the other shares.
-                 static_assert(allowance::kLocksBindReaders && allowance::kOwnLockMayBindItsHandle);
-                 return QXFileLock(files->Locked(which), offset, length, which);
-             },
-             Within<0, 1>, Within<0, 3>, Within<1, 3>),
-         4},
-        {"QXFileUnlock",
-         Row([=](uint32_t which, uint32_t offset,
-                 uint32_t length) { return QXFileUnlock(files->Locked(which), offset, length); },
-             Within<0, 1>, Within<0, 3>, Within<1, 3>),
-         4},
-        {"QXPathExpand",
-         [=](Random& random, Line& line) {
-             const std::u16string base = files->directory.Path().u16string();
-             wchar whole[600] = {};
-             line.Result(QXPathExpand((base + random.Of(kTails)).c_str(), whole, 600));
-             line.Add("tail", allowance::SeparatorIsThePlatforms(whole).substr(base.size()));
-         }},
+        {"QXDirRemove", Row(RemoveDirectory, pathAlone)},
+        {"list", list, 4},
+        {"QXFileLock", Row(lock, Within<0, 1>, Within<0, 3>, Within<1, 3>), 4},
+        {"QXFileUnlock", Row(unlock, Within<0, 1>, Within<0, 3>, Within<1, 3>), 4},
+        {"QXPathExpand", expand},
     };
 }

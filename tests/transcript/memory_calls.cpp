@@ -12,15 +12,15 @@ struct Block {
     void* memory = nullptr;
     size_t size = 0;
 
-    // Bytes that were not known before are set.
-    void Fill(size_t bytes) {
-        if (memory != nullptr && bytes > size) {
-            std::memset(static_cast<char*>(memory) + size, static_cast<int>('a' + bytes % 26),
-                        bytes - size);
-        }
-        Know(bytes);
-    }
     void Know(size_t bytes) { size = memory != nullptr ? bytes : 0; }
+
+    // Sets what was not known before.
+    void Fill(size_t bytes) {
+        const size_t known = size;
+        Know(bytes);
+        std::fill_n(static_cast<char*>(memory) + known, size > known ? size - known : 0,
+                    static_cast<char>('a' + bytes % 26));
+    }
 };
 
 struct BlockInUse {
@@ -42,43 +42,46 @@ size_t Count(Random& random) {
     return random.OneIn(10) ? kTooMuch : random.Below(8);
 }
 
-// Blocks of the heap or of component memory, and the functions of either.
-template <typename Size>
+// Some blocks of the heap or of component memory.
+template <auto kRelease>
 struct Blocks {
-    using Allocate = QXResult (*)(Size, void**);
-    using Resize = QXResult (*)(void**, Size);
-
-    Blocks(Allocate allocateOne, Resize resizeOne, QXResult (*releaseOne)(void*))
-        : allocate(allocateOne), resize(resizeOne), release(releaseOne) {}
     ~Blocks() {
-        for (Block& block : blocks) {
-            Free(&block);
+        for (const Block& block : all) {
+            kRelease(block.memory);
         }
     }
-
-    QXResult Free(Block* block) { return release(std::exchange(*block, Block()).memory); }
-    QXResult Malloc(Block* block, Size size) {
-        Free(block);
-        const QXResult result = allocate(size, &block->memory);
-        block->Fill(size);
-        return result;
-    }
-    QXResult Realloc(Block* block, Size size) {
-        const QXResult result = resize(&block->memory, size);
-        if (QX_SUCCEEDED(result)) {
-            block->Fill(size);
-        }
-        return result;
-    }
-
-    const Allocate allocate;
-    const Resize resize;
-    QXResult (*const release)(void*);
-    Block blocks[4];
+    Block all[4];
 };
 
+template <auto kRelease>
+auto AnyBlock(std::shared_ptr<Blocks<kRelease>> blocks) {
+    return [=](Random& random) { return BlockInUse{&blocks->all[random.Below(4)]}; };
+}
+
+template <auto kRelease>
+QXResult Free(Block* block) {
+    return kRelease(std::exchange(*block, Block()).memory);
+}
+
+template <auto kAllocate, auto kRelease, typename Size>
+QXResult Malloc(Block* block, Size size) {
+    Free<kRelease>(block);
+    const QXResult result = kAllocate(size, &block->memory);
+    block->Fill(size);
+    return result;
+}
+
+template <auto kResize, typename Size>
+QXResult Realloc(Block* block, Size size) {
+    const QXResult result = kResize(&block->memory, size);
+    if (QX_SUCCEEDED(result)) {
+        block->Fill(size);
+    }
+    return result;
+}
+
 QXResult Calloc(Block* block, size_t count, size_t size) {
-    QXFree(block->memory);
+    Free<QXFree>(block);
     const QXResult result = QXCalloc(count, size, &block->memory);
     block->Know(count * size);
     return result;
@@ -95,36 +98,26 @@ QXResult Recalloc(Block* block, size_t size) {
     return result;
 }
 
-template <typename Size>
-auto AnyBlock(std::shared_ptr<Blocks<Size>> blocks) {
-    return [=](Random& random) { return BlockInUse{&blocks->blocks[random.Below(4)]}; };
-}
-
-// A call of a member that works on any of the blocks.
-template <typename Size, typename... Rest, typename... Kinds>
-auto On(std::shared_ptr<Blocks<Size>> blocks, QXResult (Blocks<Size>::*make)(Block*, Rest...),
-        Kinds... kinds) {
-    return Row([=](Block* block, Rest... rest) { return ((*blocks).*make)(block, rest...); },
-               AnyBlock(blocks), kinds...);
+size_t SizeOf(Block* block) {
+    return QXMallocSize(block->memory);
 }
 
 }  // namespace
 
 Calls MemoryCalls() {
-    using Heap = Blocks<size_t>;
-    using Component = Blocks<uint32_t>;
-    const auto heap = std::make_shared<Heap>(QXMalloc, QXRealloc, QXFree);
-    const auto component = std::make_shared<Component>(QXComMalloc, QXComRealloc, QXComFree);
-    const auto sizeOf = [](Block* block) { return QXMallocSize(block->memory); };
+    const auto heap = AnyBlock(std::make_shared<Blocks<QXFree>>());
+    const auto component = AnyBlock(std::make_shared<Blocks<QXComFree>>());
+    constexpr auto kSize = AnySize<size_t>;
+    constexpr auto kSize32 = AnySize<uint32_t>;
     return {
-        {"QXMalloc", On(heap, &Heap::Malloc, AnySize<size_t>)},
-        {"QXCalloc", Row(Calloc, AnyBlock(heap), Count, Within<0, 7>)},
-        {"QXRealloc", On(heap, &Heap::Realloc, AnySize<size_t>)},
-        {"QXRecalloc", Row(Recalloc, AnyBlock(heap), AnySize<size_t>)},
-        {"QXMallocSize", Row(sizeOf, AnyBlock(heap))},
-        {"QXFree", On(heap, &Heap::Free)},
-        {"QXComMalloc", On(component, &Component::Malloc, AnySize<uint32_t>)},
-        {"QXComRealloc", On(component, &Component::Realloc, AnySize<uint32_t>)},
-        {"QXComFree", On(component, &Component::Free)},
+        {"QXMalloc", Row(Malloc<QXMalloc, QXFree, size_t>, heap, kSize)},
+        {"QXCalloc", Row(Calloc, heap, Count, Within<0, 7>)},
+        {"QXRealloc", Row(Realloc<QXRealloc, size_t>, heap, kSize)},
+        {"QXRecalloc", Row(Recalloc, heap, kSize)},
+        {"QXMallocSize", Row(SizeOf, heap)},
+        {"QXFree", Row(Free<QXFree>, heap)},
+        {"QXComMalloc", Row(Malloc<QXComMalloc, QXComFree, uint32_t>, component, kSize32)},
+        {"QXComRealloc", Row(Realloc<QXComRealloc, uint32_t>, component, kSize32)},
+        {"QXComFree", Row(Free<QXComFree>, component)},
     };
 }

@@ -41,8 +41,9 @@ ShownText<wchar> Shown(const std::u16string& name, const std::u16string& before 
 }
 
 struct Data {
-    std::u16string bytes;
-    uint32_t length;
+    uint32_t type = 0;
+    std::u16string bytes = {};
+    uint32_t length = 0;
     std::vector<char16_t> guarded = allowance::UncountedTerminatorIsStored(bytes);
 
     const void* Get() const { return guarded.data(); }
@@ -68,7 +69,13 @@ Data AnyData(Random& random, uint32_t type) {
     if (type == QX_REG_BINARY && length > 0) {
         length -= random.Below(2);
     }
-    return {data, length};
+    return {type, data, length};
+}
+
+// Now and then less than is needed.
+template <uint32_t kFew, uint32_t kAll>
+uint32_t LengthOr(Random& random) {
+    return random.OneIn(3) ? random.Below(kFew) : kAll;
 }
 
 // Keys and values, and one enumeration of keys that lives through other calls.
@@ -110,8 +117,7 @@ struct Keys {
     }
 
     Target target;  // of the call that is drawn
-    uint32_t type = 0;
-    uint32_t length = 0;
+    Data data;      // of the same
     std::vector<Target> recent;
     Handles enumeration{1, QXRegistryCloseEnum};
 };
@@ -141,35 +147,33 @@ QXResult NextKey(QXHandle enumeration, Buffer<wchar>* name, uint32_t* length) {
 
 void ListKeys(QXHandle enumeration, Line& line) {
     wchar name[allowance::kLongestKeyName + 1];
-    uint32_t length = std::size(name);
-    while (QX_SUCCEEDED(QXRegistryEnumNextKey(enumeration, name, &length))) {
+    for (uint32_t length = std::size(name);
+         QX_SUCCEEDED(QXRegistryEnumNextKey(enumeration, name, &length));
+         length = std::size(name)) {
         Shown({name, length}).Show(line, "name");
-        length = std::size(name);
     }
-    line.Result(QXRegistryCloseEnum(enumeration));
 }
 
 void ListValues(QXHandle enumeration, Line& line) {
     std::vector<std::tuple<std::u16string, uint32_t, std::string>> values;
-    for (QXResult result = QX_S_OK; QX_SUCCEEDED(result);) {
+    for (;;) {
         std::u16string name(allowance::kLongestValueName + 1, u'\0');
         auto nameLength = static_cast<uint32_t>(name.size());
         std::string data(2 * kDataRoom, '\0');
         auto length = static_cast<uint32_t>(data.size());
         uint32_t type = 77;
-        result = QXRegistryEnumNextValue(enumeration, name.data(), &nameLength, &type, data.data(),
-                                         &length);
-        if (QX_SUCCEEDED(result)) {
-            values.emplace_back(name.substr(0, nameLength), type, data.substr(0, length));
-        } else {
+        const QXResult result = QXRegistryEnumNextValue(enumeration, name.data(), &nameLength,
+                                                        &type, data.data(), &length);
+        if (QX_FAILED(result)) {
             line.Result(result);
+            break;
         }
+        values.emplace_back(name.substr(0, nameLength), type, data.substr(0, length));
     }
     for (const auto& [name, type, data] : allowance::ValuesAreListedByName(values)) {
         Shown(name).Show(line, "name");
         line.Add("type", type).Bytes("data", data.data(), data.size());
     }
-    line.Result(QXRegistryCloseEnum(enumeration));
 }
 
 }  // namespace
@@ -188,19 +192,12 @@ Calls RegistryCalls() {
                      allowance::RootsAreMergedViews(keys->target.root));
     };
     const auto name = [=](Random&) { return Shown(keys->target.name); };
-    const auto type = [=](Random& random) { return keys->type = random.Below(7); };
-    const auto data = [=](Random& random) {
-        const Data drawn = AnyData(random, keys->type);
-        keys->length = drawn.length;
-        return drawn;
+    const auto type = [=](Random& random) {
+        keys->data = AnyData(random, random.Below(7));
+        return keys->data.type;
     };
-    const auto length = [=](Random&) { return keys->length; };
-    const auto capacity = [](Random& random) {
-        return random.OneIn(4) ? random.Below(40) : kDataRoom;
-    };
-    const auto nameCapacity = [](Random& random) {
-        return random.OneIn(3) ? random.Below(4) : uint32_t{allowance::kLongestKeyName + 1};
-    };
+    const auto data = [=](Random&) { return keys->data; };
+    const auto length = [=](Random&) { return keys->data.length; };
     const auto list = [=](auto open, auto place, auto print) {
         return [=](Random& random, Line& line) {
             line.Add("root", root(random));
@@ -211,6 +208,7 @@ Calls RegistryCalls() {
             line.Result(result).Handle("enumeration", handle);
             if (QX_SUCCEEDED(result)) {
                 print(handle, line);
+                line.Result(QXRegistryCloseEnum(handle));
             }
         };
     };
@@ -222,7 +220,7 @@ Calls RegistryCalls() {
         {NAMED(QXRegistrySetValue, changed, path, name, type, data, length), 4},
         {"QXRegistryGetValue",
          Row(GetValue, root, path, name, Within<0, 3>, Unset<uint32_t>, RoomFor<wchar, kDataRoom>,
-             capacity),
+             LengthOr<40, kDataRoom>),
          3},
         {NAMED(QXRegistryDeleteValue, root, path, name)},
         {NAMED(QXRegistryDeleteKey, changed, path)},
@@ -231,7 +229,7 @@ Calls RegistryCalls() {
         {NAMED(QXRegistryOpenKeyEnum, root, parent, NewOne(enumeration)), 3},
         {"QXRegistryEnumNextKey",
          Row(NextKey, OpenOne(enumeration), RoomFor<wchar, allowance::kLongestKeyName + 1>,
-             nameCapacity),
+             LengthOr<4, allowance::kLongestKeyName + 1>),
          4},
         {"QXRegistryCloseEnum", Row(close)},
     };

@@ -142,28 +142,6 @@ auto Tokens(Unit* (*next)(Unit**, const Unit*)) {
     };
 }
 
-// ---- Classes and mappings of all units
-
-// A bit for each unit, 32 units a number.
-void PrintClass(const char* name, const std::function<bool(uint32_t)>& isInClass, uint32_t units) {
-    for (uint32_t begin = 0; begin < units; begin += 32) {
-        uint32_t bits = 0;
-        for (uint32_t bit = 0; bit < 32; ++bit) {
-            const bool shown = !allowance::WideClassIsTheRuntimes(begin + bit);
-            bits |= (shown && isInClass(begin + bit) ? 1U : 0U) << bit;
-        }
-        Line(name).Hex("from", begin).Hex("units", bits);
-    }
-}
-
-void PrintMapping(const char* name, const std::function<uint32_t(uint32_t)>& map, uint32_t units) {
-    for (uint32_t unit = 0; unit < units; ++unit) {
-        if (!allowance::WideClassIsTheRuntimes(unit) && map(unit) != unit) {
-            Line(name).Hex("unit", unit).Hex("->", map(unit));
-        }
-    }
-}
-
 }  // namespace
 
 Calls TextCalls() {
@@ -226,24 +204,30 @@ Calls TextCalls() {
     };
 }
 
+// Classes and mappings of all units.
 void PrintTextCase() {
-    constexpr uint32_t kAsciiUnits = 0x80;
-    constexpr uint32_t kNarrowUnits = 0x100;
-    constexpr uint32_t kWideUnits = 0x10000;
-    const auto narrow = [](auto function) {
-        return [=](uint32_t unit) { return uint32_t(function(static_cast<signed char>(unit))); };
-    };
-    const auto wide = [](auto function) {
-        return [=](uint32_t unit) { return uint32_t(function(static_cast<wchar>(unit))); };
-    };
-    PrintMapping("QXToLowerA", narrow(QXToLowerA), kAsciiUnits);
-    PrintMapping("QXToUpperA", narrow(QXToUpperA), kAsciiUnits);
-    PrintMapping("QXToLowerW", wide(QXToLowerW), kWideUnits);
-    PrintMapping("QXToUpperW", wide(QXToUpperW), kWideUnits);
-    PrintClass("QXIsAlphaA", narrow(QXIsAlphaA), kNarrowUnits);
-    PrintClass("QXIsDigitA", narrow(QXIsDigitA), kNarrowUnits);
-    PrintClass("QXIsSpaceA", narrow(QXIsSpaceA), kNarrowUnits);
-    PrintClass("QXIsAlphaW", wide(QXIsAlphaW), kWideUnits);
-    PrintClass("QXIsDigitW", wide(QXIsDigitW), kWideUnits);
-    PrintClass("QXIsSpaceW", wide(QXIsSpaceW), kWideUnits);
+    for (uint32_t unit = 0; unit < 0x10000; ++unit) {
+        if (allowance::WideClassIsTheRuntimes(unit)) {
+            continue;
+        }
+        const auto wide = static_cast<wchar>(unit);
+        Line("wide")
+            .Hex("unit", unit)
+            .Hex("lower", QXToLowerW(wide))
+            .Hex("upper", QXToUpperW(wide))
+            .Add("alpha", QXIsAlphaW(wide) != 0)
+            .Add("digit", QXIsDigitW(wide) != 0)
+            .Add("space", QXIsSpaceW(wide) != 0);
+        const auto narrow = static_cast<char>(unit);
+        if (unit < 0x100) {
+            Line("narrow")
+                .Hex("unit", unit)
+                .Add("alpha", QXIsAlphaA(narrow) != 0)
+                .Add("digit", QXIsDigitA(narrow) != 0)
+                .Add("space", QXIsSpaceA(narrow) != 0);
+        }
+        if (unit < 0x80) {
+            Line("ASCII").Hex("lower", QXToLowerA(narrow)).Hex("upper", QXToUpperA(narrow));
+        }
+    }
 }

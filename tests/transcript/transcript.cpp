@@ -1,8 +1,7 @@
 // Runs sequences of calls of the exported interface and prints each call with its arguments and
 // everything that it gives. The text is the same on every platform.
-//   print_transcript [--component LIBRARY] [--length N] --seeds FIRST-LAST
-//   print_transcript [--component LIBRARY] [--length N] --seed N [--only STEP,STEP...]
-//   print_transcript --fixed
+//   print_transcript [--component LIBRARY] [--fixed] [--length N] [--seeds FIRST-LAST]
+//     [--only STEP,STEP...]
 #include <set>
 #include <sstream>
 #include <stdexcept>
@@ -67,10 +66,7 @@ void PrintSequence(uint32_t seed, const Options& options) {
 void Read(Options* options, std::string_view name, const std::string& value) {
     std::istringstream numbers(value);
     char separator = 0;
-    if (name == "--seed") {
-        numbers >> options->first;
-        options->last = options->first;
-    } else if (name == "--seeds") {
+    if (name == "--seeds") {
         numbers >> options->first >> separator >> options->last;
     } else if (name == "--length") {
         numbers >> options->length;

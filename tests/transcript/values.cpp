@@ -1,5 +1,6 @@
 #include "transcript/values.h"
 
+#include <filesystem>
 #include <string_view>
 
 namespace {
@@ -16,64 +17,31 @@ size_t AnyLength(Random& random) {
     return random.OneIn(12) ? random.Below(300) : random.Below(14);
 }
 
-template <typename Draw>
-std::u16string Units(Random& random, Draw draw) {
-    std::u16string text;
+template <typename Unit, typename Draw>
+std::basic_string<Unit> Units(Random& random, Draw draw) {
+    std::basic_string<Unit> text;
     for (size_t left = AnyLength(random); left > 0; --left) {
-        text += static_cast<char16_t>(draw());
+        text += static_cast<Unit>(draw());
     }
     return text;
 }
 
-std::u16string FewLetters(Random& random) {
-    return Units(random, [&] { return random.Of(std::u16string_view(u"abAB_1, ")); });
+template <typename Unit>
+std::basic_string<Unit> FewLetters(Random& random) {
+    return Units<Unit>(random, [&] { return random.Of(std::string_view("abAB_1, ")); });
 }
 
-std::u16string AsciiText(Random& random) {
-    return Units(random, [&] { return random.Between(1, 0x7F); });
+template <typename Unit>
+std::basic_string<Unit> AsciiText(Random& random) {
+    return Units<Unit>(random, [&] { return random.Between(1, 0x7F); });
 }
 
-std::u16string AnyUnits(Random& random) {
-    return Units(random, [&] {
-        return random.OneIn(3) ? random.Between(0xD800, 0xDFFF) : random.Between(1, 0xFFFF);
-    });
-}
-
-void Append(std::u16string* text, uint32_t codePoint) {
-    if (codePoint >= 0x10000) {
-        *text += static_cast<char16_t>((codePoint >> 10) + 0xD7C0);
-        codePoint = 0xDC00 | (codePoint & 0x3FF);
-    }
-    *text += static_cast<char16_t>(codePoint);
-}
-
-void Append(std::string* text, uint32_t codePoint) {
-    const auto append = [text](uint32_t byte) { *text += static_cast<char>(byte); };
-    if (codePoint < 0x80) {
-        append(codePoint);
-        return;
-    }
-    const int trails = codePoint < 0x800 ? 1 : codePoint < 0x10000 ? 2 : 3;
-    constexpr uint32_t kLeads[] = {0, 0xC0, 0xE0, 0xF0};
-    append(kLeads[trails] | (codePoint >> (6 * trails)));
-    for (int trail = trails; trail-- > 0;) {
-        append(0x80 | ((codePoint >> (6 * trail)) & 0x3F));
-    }
-}
-
-// Well-formed text.
-template <typename Text>
-Text Characters(Random& random) {
-    Text text;
-    for (size_t left = AnyLength(random); left > 0; --left) {
+// Well-formed text, which a path knows in each encoding.
+std::filesystem::path Characters(Random& random) {
+    return Units<char32_t>(random, [&] {
         const uint32_t codePoint = AnyCodePoint(random);
-        Append(&text, codePoint >= 0xD800 && codePoint < 0xE000 ? '?' : codePoint);
-    }
-    return text;
-}
-
-std::string Narrow(const std::u16string& text) {
-    return {text.begin(), text.end()};
+        return codePoint >= 0xD800 && codePoint < 0xE000 ? '?' : codePoint;
+    });
 }
 
 }  // namespace
@@ -92,15 +60,17 @@ uint32_t AnyCodePoint(Random& random) {
 }
 
 std::string PlainText(Random& random) {
-    return Narrow(random.OneIn(2) ? FewLetters(random) : AsciiText(random));
+    return random.OneIn(2) ? FewLetters<char>(random) : AsciiText<char>(random);
 }
 
 std::string NarrowText(Random& random) {
     switch (random.Below(4)) {
-        case 0:
-            return Characters<std::string>(random);
+        case 0: {
+            const std::u8string text = Characters(random).u8string();
+            return {text.begin(), text.end()};
+        }
         case 1:
-            return Narrow(Units(random, [&] { return random.Between(1, 0xFF); }));
+            return Units<char>(random, [&] { return random.Between(1, 0xFF); });
         default:
             return PlainText(random);
     }
@@ -109,22 +79,22 @@ std::string NarrowText(Random& random) {
 std::u16string WideText(Random& random) {
     switch (random.Below(4)) {
         case 0:
-            return Characters<std::u16string>(random);
+            return Characters(random).u16string();
         case 1:
-            return AnyUnits(random);
+            return Units<char16_t>(random, [&] {
+                return random.OneIn(3) ? random.Between(0xD800, 0xDFFF) : random.Between(1, 0xFFFF);
+            });
         case 2:
-            return AsciiText(random);
+            return AsciiText<char16_t>(random);
         default:
-            return FewLetters(random);
+            return FewLetters<char16_t>(random);
     }
 }
 
 std::u32string Utf32Text(Random& random) {
-    std::u32string text;
-    for (size_t left = AnyLength(random); left > 0; --left) {
-        text += random.OneIn(10) ? static_cast<char32_t>(random.Next())
-                                 : static_cast<char32_t>(AnyCodePoint(random));
-    }
+    const auto text = Units<char32_t>(random, [&] {
+        return random.OneIn(10) ? static_cast<uint32_t>(random.Next()) : AnyCodePoint(random);
+    });
     return text.c_str();
 }
 

@@ -24,20 +24,22 @@ std::string PlainText(Random& random);
 // The same text, or one that differs from it in something small.
 template <typename Unit>
 std::basic_string<Unit> Variation(Random& random, std::basic_string<Unit> text) {
+    Unit& unit = text[random.Below(text.size())];
     switch (text.empty() ? 0 : random.Below(6)) {
         case 0:
-            return text + static_cast<Unit>(random.Between('A', 'z'));
+            text += static_cast<Unit>(random.Between('A', 'z'));
+            break;
         case 1:
             text.pop_back();
-            return text;
+            break;
         case 2:
-            text[random.Below(text.size())] ^= 0x20;
+            unit ^= 0x20;
             break;
         case 3:
-            text[random.Below(text.size())] = static_cast<Unit>(random.Between(1, 0xFF));
+            unit = static_cast<Unit>(random.Between(1, 0xFF));
             break;
         case 4:
-            text[random.Below(text.size())] += static_cast<Unit>(1);
+            unit += static_cast<Unit>(1);
             break;
         default:
             break;

@@ -129,23 +129,7 @@ Calls WordCalls() {
 }
 
 void PrintWords() {
-    constexpr uint32_t kNativeNumbers = 2000;
-    Line("sizes")
-        .Add("QXResult", sizeof(QXResult))
-        .Add("QXHandle", sizeof(QXHandle))
-        .Add("wchar", sizeof(wchar))
-        .Add("QXTimeRecord", sizeof(QXTimeRecord))
-        .Add("QXTimeSpec", sizeof(QXTimeSpec));
-    Line("GUID")
-        .Add("size", sizeof(GUID))
-        .Add("Data2", offsetof(GUID, Data2))
-        .Add("Data3", offsetof(GUID, Data3))
-        .Add("Data4", offsetof(GUID, Data4));
-    Line("QXTimeZoneRecord")
-        .Add("size", sizeof(QXTimeZoneRecord))
-        .Add("standardName", offsetof(QXTimeZoneRecord, standardName))
-        .Add("daylightName", offsetof(QXTimeZoneRecord, daylightName));
-    for (uint32_t number = 0; number < kNativeNumbers; ++number) {
+    for (uint32_t number = 0; number < 2000; ++number) {
         Line("QXResultFromNative").Add("number", number).Result(QXResultFromNative(number));
     }
 }
