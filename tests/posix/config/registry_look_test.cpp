@@ -1,20 +1,25 @@
 // How often the library looks at the files of its store, and what it finds: this program's own
 // calls count, and its clock goes ahead, so that no directory has changed of late.
 #include <fcntl.h>
+#include <sched.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <time.h>
 #include <unistd.h>
 
+#include <atomic>
+#include <fstream>
 #include <functional>
 
 #include "config/registry_support.h"
 #include "posix/config/database.h"
+#include "posix/support/forked_child.h"
 
 namespace {
 
 int s_looks = 0;
 constexpr time_t kAhead = 100;  // seconds
+bool s_hasPatience = true;
 
 }  // namespace
 
@@ -24,9 +29,12 @@ extern "C" int lstat(const char* path, struct stat* status) noexcept {
 }
 
 extern "C" int clock_gettime(clockid_t clock, timespec* time) noexcept {
+    static time_t passed = 0;
     const auto status = static_cast<int>(::syscall(SYS_clock_gettime, clock, time));
     if (clock == CLOCK_REALTIME_COARSE) {
         time->tv_sec += kAhead;
+    } else if (clock == CLOCK_MONOTONIC_COARSE && !s_hasPatience) {
+        time->tv_sec += passed += kAhead;
     }
     return status;
 }
@@ -95,6 +103,7 @@ TEST_F(RegistryLook, ShowsAWriterEachNameThatChanged) {
         {"log moved", [&] { moveAway({"user.db-wal"}); }},
         {"index moved", [&] { moveAway({"user.db-shm"}); }},
         {"word moved", [&] { moveAway({"user.db-word"}); }},
+        {"word cut", [&] { fs::resize_file(File("user.db-word"), 0); }},
     };
     for (const auto& row : rows) {
         fs::create_directory(away);
@@ -107,6 +116,47 @@ TEST_F(RegistryLook, ShowsAWriterEachNameThatChanged) {
         EXPECT_EQ(TextInFile(File("user.db"), "v"), u"after") << row.what;
         fs::remove_all(away);
     }
+}
+
+// Another process has the lock under which the old files would be removed, and the log that seemed
+// to be cut is whole again: the connection goes on.
+TEST_F(RegistryLook, AConnectionThatCouldNotFollowTheFilesStillMarksWhatItWrites) {
+    ASSERT_EQ(SetText(u"k", u"v", u"old"), 0);
+    SharedWithChildren<std::atomic<int>> step;
+    const auto reach = [&](int number) {
+        while (*step < number) {
+            ::sched_yield();
+        }
+    };
+    ForkedChild reader([&] {
+        const bool knows = Text(u"k", u"v") == u"old";
+        *step = 1;
+        reach(4);
+        return knows && Text(u"k", u"v") == u"new" ? 0 : 1;
+    });
+    reach(1);
+    ForkedChild locker([&] {
+        sqlite3* database = nullptr;
+        ::sqlite3_open(File("user.db").c_str(), &database);
+        ::sqlite3_exec(database, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr);
+        *step = 2;
+        reach(3);
+        return 0;
+    });
+    reach(2);
+    ASSERT_EQ(Text(u"k", u"other"), u"<not found>");
+    const fs::path log = File("user.db-wal");
+    fs::copy_file(log, File("copy"));
+    fs::resize_file(log, 0);
+    s_hasPatience = false;
+    EXPECT_NE(SetText(u"k", u"v", u"lost"), 0);
+    s_hasPatience = true;
+    std::ofstream(log, std::ios::in) << std::ifstream(File("copy")).rdbuf();
+    *step = 3;
+    EXPECT_EQ(locker.Wait(), 0);
+    EXPECT_EQ(SetText(u"k", u"v", u"new"), 0);
+    *step = 4;
+    EXPECT_EQ(reader.Wait(), 0);
 }
 
 }  // namespace
