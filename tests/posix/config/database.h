@@ -28,7 +28,7 @@ inline std::u16string TextInFile(const std::filesystem::path& store, const std::
     const auto* const data = ::sqlite3_step(query) == SQLITE_ROW
                                  ? static_cast<const char16_t*>(::sqlite3_column_blob(query, 0))
                                  : nullptr;
-    const std::u16string found = data != nullptr ? data : u"<not found>";
+    std::u16string found = data != nullptr ? data : u"<not found>";
     ::sqlite3_finalize(query);
     ::sqlite3_close(database);
     return found;
