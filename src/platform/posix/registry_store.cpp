@@ -58,13 +58,15 @@ void RegistryStore::DropUnlessUsable(Purpose purpose) {
         return;
     }
     const bool newSecond = m_memory.IsTimeToLook();
-    if (!(newSecond                    ? m_connection->IsInPlace()
-          : purpose == Purpose::kWrite ? m_connection->IsWhole()
-                                       : m_connection->IsSafe())) {
+    if (!(newSecond ? m_connection->IsInPlace() : IsFitFor(purpose))) {
         Follow();
     } else if (newSecond) {
         m_memory.Look(*m_connection);
     }
+}
+
+bool RegistryStore::IsFitFor(Purpose purpose) const {
+    return purpose == Purpose::kWrite ? m_connection->IsWhole() : m_connection->IsSafe();
 }
 
 bool RegistryStore::IsPastUse(Purpose purpose) const noexcept {

@@ -82,6 +82,7 @@ class RegistryStore final : private WriteMarks {
     bool Connect(Purpose purpose);
     void ConnectWithoutLocks();
     void Adopt(std::unique_ptr<StoreConnection> connection);
+    bool IsFitFor(Purpose purpose) const;
     bool IsPastUse(Purpose purpose) const noexcept;
     void DropUnlessUsable(Purpose purpose);
     void Follow();
