@@ -172,12 +172,27 @@ TEST_F(IniFileTest, WhatCannotBeReadIsEmptyAndWhatCannotBeWrittenIsNotTold) {
     EXPECT_EQ(TableOf(none), u"");
 }
 
-Names Rest(IniFileIteratorBase& iterator) {
-    Names names;
+std::u16string Rest(IniFileIteratorBase& iterator) {
+    std::u16string names;
     while (iterator.HasNext()) {
-        names.push_back(iterator.Next());
+        names += iterator.Next() + u';';
     }
+    EXPECT_THROW(iterator.Next(), EQXCoreException);
     return names;
+}
+
+// The children and the keys.
+std::u16string NamesAt(IniFile& file, const char16_t* path) {
+    IniFileSetIterator children(file, path);
+    EXPECT_EQ(children.GetName(), path);
+    std::u16string names = Rest(children) + u" ";
+    try {
+        IniFileKeyIterator keys(file, path);
+        return names + Rest(keys);
+    } catch (const EQXCoreException& exception) {
+        EXPECT_EQ(exception.m_result, QX_E_NOTFOUND);
+        return names + u"none";
+    }
 }
 
 TEST_F(IniFileTest, ChildrenAreFoundByExactSpelling) {
@@ -185,38 +200,15 @@ TEST_F(IniFileTest, ChildrenAreFoundByExactSpelling) {
               "[a\\b]\nx=1\nW=2\n\n[a\\b\\c]\n\n[a\\d\\e]\n\n[A\\f]\n\n[a b]\n\n[a\\B\\g]\n\n"
               "[ab\\c]\n\n[r\\]\n\n[r\\\\s]\n\n");
     IniFile file(m_name.c_str());
-    const struct {
-        const char16_t* path;
-        Names children;
-        std::u16string keys;
-    } rows[] = {
-        {u"a", {u"B", u"b", u"d"}, u""},
-        {u"A", {u"f"}, u""},
-        {u"a\\b", {u"c"}, u"W x "},
-        {u"A\\B", {}, u"W x "},
-        {u"a\\d\\e", {}, u""},
-        {u"A\\d", {}, u"<none>"},
-        {u"r", {u""}, u""},
-        {u"r\\", {u"s"}, u""},
-        {u"", {}, u"<none>"},
-    };
-    for (const auto& row : rows) {
-        IniFileSetIterator children(file, row.path);
-        EXPECT_EQ(children.GetName(), row.path);
-        EXPECT_EQ(Rest(children), row.children) << testing::PrintToString(row.path);
-        std::u16string keys;
-        try {
-            IniFileKeyIterator iterator(file, row.path);
-            for (const std::u16string& key : Rest(iterator)) {
-                keys += key + u' ';
-            }
-            EXPECT_THROW(iterator.Next(), EQXCoreException);
-        } catch (const EQXCoreException& exception) {
-            EXPECT_EQ(exception.m_result, QX_E_NOTFOUND);
-            keys = u"<none>";
-        }
-        EXPECT_EQ(keys, row.keys) << testing::PrintToString(row.path);
-    }
+    EXPECT_EQ(NamesAt(file, u"a"), u"B;b;d; ");
+    EXPECT_EQ(NamesAt(file, u"A"), u"f; ");
+    EXPECT_EQ(NamesAt(file, u"a\\b"), u"c; W;x;");
+    EXPECT_EQ(NamesAt(file, u"A\\B"), u" W;x;");
+    EXPECT_EQ(NamesAt(file, u"a\\d\\e"), u" ");
+    EXPECT_EQ(NamesAt(file, u"A\\d"), u" none");
+    EXPECT_EQ(NamesAt(file, u"r"), u"; ");
+    EXPECT_EQ(NamesAt(file, u"r\\"), u"s; ");
+    EXPECT_EQ(NamesAt(file, u""), u" none");
     EXPECT_EQ(file.SetString(u"~", u"", u"", true), 0) << "the throwing iterator held nothing back";
 }
 

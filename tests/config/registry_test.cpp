@@ -13,46 +13,36 @@ constexpr QXResult kNotFound = QX_E_NOTFOUND;
 TEST_F(Registry, TellsEachFailureByItsCode) {
     ASSERT_EQ(SetText(u"key", u"value", u"text"), 0);
     ASSERT_EQ(SetText(u"key\\below", u"", u""), 0);
+    constexpr int32_t kBadRoot = 5;
     QXHandle handle;
     char small[2];
     uint32_t length = sizeof small;
     uint32_t type = 99;
     const std::u16string longName(KeyNamesMayHave256Units() ? 257 : 256, u'n');
-    struct {
-        const char* what;
-        QXResult result;
-        QXResult expected;
-    } const rows[] = {
-        {"get, no key", Exists(QX_HKEY_USER, u"none", u""), kNotFound},
-        {"get, no value", Exists(QX_HKEY_USER, u"key", u"none"), kNotFound},
-        {"get, no store", Exists(QX_HKEY_CONFIG, u"key", u"value"), kNotFound},
-        {"get, bad root", Exists(5, u"key", u"value"), QX_E_HANDLE},
-        {"get, negative root", Exists(-1, u"key", u"value"), QX_E_HANDLE},
-        {"get, data without length",
-         QXRegistryGetValue(QX_HKEY_USER, u"key", u"value", &type, small, nullptr), QX_E_FAIL},
-        {"get, small buffer",
-         QXRegistryGetValue(QX_HKEY_USER, u"key", u"value", &type, small, &length), QX_E_FAIL},
-        {"set, 64-bit number", SetText(u"k", u"v", u"", QX_HKEY_USER, 2), QX_E_INVALIDARG},
-        {"set, bad type before bad root", SetText(u"k", u"v", u"", 9, 6), QX_E_INVALIDARG},
-        {"set, bad root", SetText(u"k", u"v", u"", 9), QX_E_HANDLE},
-        {"set, long name", SetText(longName.c_str(), u"v", u""), QX_E_FAIL},
-        {"delete key, none", QXRegistryDeleteKey(QX_HKEY_USER, u"none"), QX_E_FAIL},
-        {"delete key, bad root", QXRegistryDeleteKey(9, u"key"), QX_E_FAIL},
-        {"delete value, no key", QXRegistryDeleteValue(QX_HKEY_USER, u"none", u""), kNotFound},
-        {"delete value, none", QXRegistryDeleteValue(QX_HKEY_USER, u"key", u"n"), kNotFound},
-        {"delete value, bad root", QXRegistryDeleteValue(9, u"key", u"n"), QX_E_HANDLE},
-        {"key enum, none", QXRegistryOpenKeyEnum(QX_HKEY_USER, u"none", &handle), QX_E_FAIL},
-        {"key enum, bad root", QXRegistryOpenKeyEnum(9, u"key", &handle), QX_E_FAIL},
-        {"value enum, none", QXRegistryOpenValueEnum(QX_HKEY_USER, u"no", &handle), kNotFound},
-        {"value enum, bad root", QXRegistryOpenValueEnum(9, u"key", &handle), QX_E_HANDLE},
-        {"close null", QXRegistryCloseEnum(nullptr), QX_S_OK},
-    };
-    for (const auto& row : rows) {
-        EXPECT_EQ(row.result, row.expected) << row.what;
-    }
-    EXPECT_EQ(handle, QX_INVALID_HANDLE);
+    EXPECT_EQ(Exists(QX_HKEY_USER, u"none", u""), kNotFound);
+    EXPECT_EQ(Exists(QX_HKEY_USER, u"key", u"none"), kNotFound);
+    EXPECT_EQ(Exists(QX_HKEY_CONFIG, u"key", u"value"), kNotFound) << "no store";
+    EXPECT_EQ(Exists(kBadRoot, u"key", u"value"), QX_E_HANDLE);
+    EXPECT_EQ(Exists(-1, u"key", u"value"), QX_E_HANDLE);
+    EXPECT_EQ(QXRegistryGetValue(QX_HKEY_USER, u"key", u"value", &type, small, nullptr), QX_E_FAIL);
+    EXPECT_EQ(QXRegistryGetValue(QX_HKEY_USER, u"key", u"value", &type, small, &length), QX_E_FAIL);
     EXPECT_EQ(length, 10u);
     EXPECT_EQ(type, 1u) << "the native number stays when the buffer is too small";
+    EXPECT_EQ(SetText(u"k", u"v", u"", QX_HKEY_USER, QX_REG_QWORD), QX_E_INVALIDARG);
+    EXPECT_EQ(SetText(u"k", u"v", u"", kBadRoot, 6), QX_E_INVALIDARG) << "the type comes first";
+    EXPECT_EQ(SetText(u"k", u"v", u"", kBadRoot), QX_E_HANDLE);
+    EXPECT_EQ(SetText(longName.c_str(), u"v", u""), QX_E_FAIL);
+    EXPECT_EQ(QXRegistryDeleteKey(QX_HKEY_USER, u"none"), QX_E_FAIL);
+    EXPECT_EQ(QXRegistryDeleteKey(kBadRoot, u"key"), QX_E_FAIL);
+    EXPECT_EQ(QXRegistryDeleteValue(QX_HKEY_USER, u"none", u""), kNotFound);
+    EXPECT_EQ(QXRegistryDeleteValue(QX_HKEY_USER, u"key", u"n"), kNotFound);
+    EXPECT_EQ(QXRegistryDeleteValue(kBadRoot, u"key", u"n"), QX_E_HANDLE);
+    EXPECT_EQ(QXRegistryOpenKeyEnum(QX_HKEY_USER, u"none", &handle), QX_E_FAIL);
+    EXPECT_EQ(QXRegistryOpenKeyEnum(kBadRoot, u"key", &handle), QX_E_FAIL);
+    EXPECT_EQ(QXRegistryOpenValueEnum(QX_HKEY_USER, u"no", &handle), kNotFound);
+    EXPECT_EQ(QXRegistryOpenValueEnum(kBadRoot, u"key", &handle), QX_E_HANDLE);
+    EXPECT_EQ(QXRegistryCloseEnum(nullptr), QX_S_OK);
+    EXPECT_EQ(handle, QX_INVALID_HANDLE);
     EXPECT_EQ(SubkeysOf(u""), (std::vector<std::u16string>{u"key"}));
 }
 
@@ -89,23 +79,17 @@ TEST_F(Registry, ReadsEachTypeByNameAndInAnEnumeration) {
 TEST_F(Registry, ExpandsWhatTheEnvironmentKnows) {
     SetEnvironment("QX_T", "v\xC3\xA4\xF0\x9F\x98\x80");
     SetEnvironment("QX_\xC3\x84", "umlaut");
-    const struct {
-        const char16_t* stored;
-        const char16_t* expanded;
-    } rows[] = {
-        {u"", u""},
-        {u"a%QX_T%b%QX_T%", u"av\u00E4\U0001F600bv\u00E4\U0001F600"},
-        {u"%QX_NONE%", u"%QX_NONE%"},
-        {u"%% 100%", u"%% 100%"},
-        {u"%QX_NONE%QX_T%",
-         UnknownVariableTakesItsEnd() ? u"%QX_NONE%QX_T%" : u"%QX_NONEv\u00E4\U0001F600"},
-        {u"%QX_\u00C4%", u"umlaut"},
-        {u"%QX_\xD800%", u"%QX_\xD800%"},
+    const auto expanded = [](const char16_t* stored) {
+        EXPECT_EQ(SetText(u"k", u"v", stored, QX_HKEY_USER, QX_REG_EXPAND_STRING), 0);
+        return Text(u"k", u"v");
     };
-    for (const auto& row : rows) {
-        ASSERT_EQ(SetText(u"k", u"v", row.stored, QX_HKEY_USER, QX_REG_EXPAND_STRING), 0);
-        EXPECT_EQ(Text(u"k", u"v"), row.expanded);
+    for (const char16_t* same : {u"", u"%QX_NONE%", u"%% 100%", u"%QX_\xD800%"}) {
+        EXPECT_EQ(expanded(same), same);
     }
+    EXPECT_EQ(expanded(u"a%QX_T%b%QX_T%"), u"av\u00E4\U0001F600bv\u00E4\U0001F600");
+    EXPECT_EQ(expanded(u"%QX_\u00C4%"), u"umlaut");
+    EXPECT_EQ(expanded(u"%QX_NONE%QX_T%"),
+              UnknownVariableTakesItsEnd() ? u"%QX_NONE%QX_T%" : u"%QX_NONEv\u00E4\U0001F600");
 }
 
 TEST_F(Registry, ExpansionKeepsToTheBuffer) {

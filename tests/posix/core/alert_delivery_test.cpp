@@ -172,21 +172,12 @@ int AnswerByDialog(const std::string& zenity, const std::string& xmessage,
 }
 
 TEST(AlertDialog, AnswersAreActedOn) {
-    const struct {
-        const char* zenity;
-        const char* xmessage;
-        int code;
-    } cases[] = {
-        {"echo Ignore; exit 1", "", kWentOn},
-        {"echo Abort", "", 3},
-        {"echo Retry", "", kWentOn + 1},
-        {"exit $ZENITY_ESC", "echo Retry", kWentOn},
-        {"echo nothing known", "echo Retry", kWentOn + 1},
-        {"exit 1", "exit 1", kWentOn},
-    };
-    for (const auto& [zenity, xmessage, code] : cases) {
-        EXPECT_EQ(code, AnswerByDialog(zenity, xmessage)) << zenity;
-    }
+    EXPECT_EQ(kWentOn, AnswerByDialog("echo Ignore; exit 1", ""));
+    EXPECT_EQ(3, AnswerByDialog("echo Abort", ""));
+    EXPECT_EQ(kWentOn + 1, AnswerByDialog("echo Retry", ""));
+    EXPECT_EQ(kWentOn, AnswerByDialog("exit $ZENITY_ESC", "echo Retry"));
+    EXPECT_EQ(kWentOn + 1, AnswerByDialog("echo nothing known", "echo Retry"));
+    EXPECT_EQ(kWentOn, AnswerByDialog("exit 1", "exit 1"));
     std::string calls;
     AnswerByDialog("exit 1", "echo Ignore", &calls);
     for (const char* argument : {"--title=QXErrorAlert [Process ID ",
@@ -204,7 +195,7 @@ TEST(AlertDialog, AHandlerOfTheAbortSignalRunsFirst) {
 }
 
 // Types one answer after each question; the exit code of the program at the terminal.
-int AnswerAtTerminal(std::vector<std::string> answers, std::string* shown) {
+int AnswerAtTerminal(std::vector<std::string> answers) {
     int terminal = -1;
     const pid_t id = forkpty(&terminal, nullptr, nullptr, nullptr);
     if (id == 0) {
@@ -212,10 +203,11 @@ int AnswerAtTerminal(std::vector<std::string> answers, std::string* shown) {
         unsetenv("WAYLAND_DISPLAY");
         _exit(CodeOfAlert(u"Title", u"bell \a escape \x1B[0m \u009B"));
     }
+    std::string shown;
     char unit;
     while (read(terminal, &unit, 1) == 1) {
-        *shown += unit;
-        if (shown->ends_with("[a/r/i] ") && !answers.empty()) {
+        shown += unit;
+        if (shown.ends_with("[a/r/i] ") && !answers.empty()) {
             EXPECT_LT(0, write(terminal, answers[0].data(), answers[0].size()));
             answers.erase(answers.begin());
         }
@@ -223,22 +215,16 @@ int AnswerAtTerminal(std::vector<std::string> answers, std::string* shown) {
     int status = 0;
     waitpid(id, &status, 0);
     close(terminal);
+    EXPECT_NE(shown.npos, shown.find("Title [Process ID "));
+    EXPECT_NE(shown.npos, shown.find("bell ? escape ?[0m ?"));
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 TEST(AlertAtTerminal, AsksUntilItIsAnswered) {
-    const std::pair<std::vector<std::string>, int> cases[] = {
-        {{"i\n"}, kWentOn},
-        {{"x\n", "\n", "aborted\n", "Retry\n"}, kWentOn + 1},
-        {{"A\n"}, 3},
-        {{"\x04"}, kWentOn},
-    };
-    for (const auto& [answers, code] : cases) {
-        std::string shown;
-        EXPECT_EQ(code, AnswerAtTerminal(answers, &shown)) << shown;
-        EXPECT_NE(shown.npos, shown.find("Title [Process ID "));
-        EXPECT_NE(shown.npos, shown.find("bell ? escape ?[0m ?"));
-    }
+    EXPECT_EQ(kWentOn, AnswerAtTerminal({"i\n"}));
+    EXPECT_EQ(kWentOn + 1, AnswerAtTerminal({"x\n", "\n", "aborted\n", "Retry\n"}));
+    EXPECT_EQ(3, AnswerAtTerminal({"A\n"}));
+    EXPECT_EQ(kWentOn, AnswerAtTerminal({"\x04"}));
 }
 
 }  // namespace
