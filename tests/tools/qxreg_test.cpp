@@ -232,25 +232,19 @@ TEST(QxregFile, TellsTheViewOfAKey) {
         read.push_back(key.m_key);
     }
     EXPECT_EQ(keys, read);
-    const struct {
-        const char* m_name;
-        int m_view;
-        Key m_key;
-    } rows[] = {
-        {"HKEY_LOCAL_MACHINE\\Software\\x", 0, {QX_HKEY_CONFIG_64, u"Software\\x"}},
-        {"HKEY_LOCAL_MACHINE\\Software\\x", 32, {QX_HKEY_CONFIG, u"Software\\x"}},
-        {"HKEY_LOCAL_MACHINE\\SOFTWARE\\Wow6432Node", 0, {QX_HKEY_CONFIG, u"SOFTWARE"}},
-        {"HKEY_LOCAL_MACHINE\\SOFTWARE\\Wow6432Nodes",
-         0,
-         {QX_HKEY_CONFIG_64, u"SOFTWARE\\Wow6432Nodes"}},
-        {"HKEY_CLASSES_ROOT\\WOW6432Node\\x", 0, {QX_HKEY_CLASSES, u"x"}},
-        {"HKEY_CLASSES_ROOT\\WOW6432Node\\x", 64, {QX_HKEY_CLASSES_64, u"WOW6432Node\\x"}},
+    const auto keyOf = [](const char* name, int view) {
+        return ParseRegFile(kFirst + "[" + name + "]", view).at(0).m_key;
     };
-    for (const auto& row : rows) {
-        const auto found = ParseRegFile(kFirst + "[" + row.m_name + "]", row.m_view);
-        ASSERT_EQ(1u, found.size());
-        EXPECT_EQ(row.m_key, found[0].m_key) << row.m_name;
-    }
+    const char* const software = "HKEY_LOCAL_MACHINE\\Software\\x";
+    EXPECT_EQ(keyOf(software, 0), (Key{QX_HKEY_CONFIG_64, u"Software\\x"}));
+    EXPECT_EQ(keyOf(software, 32), (Key{QX_HKEY_CONFIG, u"Software\\x"}));
+    EXPECT_EQ(keyOf("HKEY_LOCAL_MACHINE\\SOFTWARE\\Wow6432Node", 0),
+              (Key{QX_HKEY_CONFIG, u"SOFTWARE"}));
+    EXPECT_EQ(keyOf("HKEY_LOCAL_MACHINE\\SOFTWARE\\Wow6432Nodes", 0),
+              (Key{QX_HKEY_CONFIG_64, u"SOFTWARE\\Wow6432Nodes"}));
+    const char* const node = "HKEY_CLASSES_ROOT\\WOW6432Node\\x";
+    EXPECT_EQ(keyOf(node, 0), (Key{QX_HKEY_CLASSES, u"x"}));
+    EXPECT_EQ(keyOf(node, 64), (Key{QX_HKEY_CLASSES_64, u"WOW6432Node\\x"}));
 }
 
 }  // namespace

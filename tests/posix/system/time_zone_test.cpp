@@ -38,63 +38,47 @@ extern "C" int clock_gettime(clockid_t clock, timespec* out) noexcept {
 
 namespace {
 
-TEST(TimeZone, IsThatOfTheMoment) {
-    const std::string longZone = std::string(40, 'L') + "3";
-    const std::u16string longName(31, u'L');
-    const struct {
-        const char* zone;
-        int64_t now;
-        int32_t bias;
-        int16_t isDaylight;
-        std::u16string standardName;
-        std::u16string daylightName;
-    } cases[] = {
-        {":Europe/Berlin", kJuly, -7200, 1, u"Central European Standard Time",
-         u"Central European Summer Time"},
-        {"Australia/Sydney", kJanuary, -39600, 1, u"Australian Eastern Standard Tim",
-         u"Australian Eastern Daylight Tim"},
-        {"Australia/Lord_Howe", kJuly, -37800, 0, u"Lord Howe Standard Time",
-         u"Lord Howe Daylight Time"},
-        {"/usr/share/zoneinfo/Asia/Tokyo", kJuly, -32400, 0, u"Japan Standard Time",
-         u"Japan Daylight Time"},
-        {"", kJuly, 0, 0, u"Coordinated Universal Time", u"GMT"},
-        {"ABC3DEF,M3.5.0,M10.5.0", kJuly, 7200, 1, u"ABC", u"DEF"},
-        {"<+0330>-3:30", kJuly, -12600, 0, u"+0330", u"+0330"},
-        {"Foo/Bar", kJuly, 0, 0, u"Foo", u"Foo"},
-        {longZone.c_str(), kJuly, 10800, 0, longName, longName},
-    };
+using Zone = std::tuple<int32_t, int16_t, std::u16string, std::u16string>;
+
+Zone ZoneAt(const char* name, int64_t now) {
+    Enter(name, now);
     QXTimeZoneRecord zone;
-    for (const auto& each : cases) {
-        SCOPED_TRACE(each.zone);
-        Enter(each.zone, each.now);
-        ASSERT_EQ(QX_S_OK, QXTimeGetZone(&zone));
-        EXPECT_EQ(std::tuple(each.bias, each.isDaylight),
-                  std::tuple(zone.biasSeconds, zone.isDaylight));
-        EXPECT_EQ(each.standardName, zone.standardName);
-        EXPECT_EQ(each.daylightName, zone.daylightName);
-    }
-    Enter("\xFF/%s", kJuly);
     EXPECT_EQ(QX_S_OK, QXTimeGetZone(&zone));
-    EXPECT_EQ(0, zone.biasSeconds);
+    return {zone.biasSeconds, zone.isDaylight, zone.standardName, zone.daylightName};
+}
+
+TEST(TimeZone, IsThatOfTheMoment) {
+    EXPECT_EQ(ZoneAt(":Europe/Berlin", kJuly),
+              Zone(-7200, 1, u"Central European Standard Time", u"Central European Summer Time"));
+    EXPECT_EQ(
+        ZoneAt("Australia/Sydney", kJanuary),
+        Zone(-39600, 1, u"Australian Eastern Standard Tim", u"Australian Eastern Daylight Tim"));
+    EXPECT_EQ(ZoneAt("Australia/Lord_Howe", kJuly),
+              Zone(-37800, 0, u"Lord Howe Standard Time", u"Lord Howe Daylight Time"));
+    EXPECT_EQ(ZoneAt("/usr/share/zoneinfo/Asia/Tokyo", kJuly),
+              Zone(-32400, 0, u"Japan Standard Time", u"Japan Daylight Time"));
+    EXPECT_EQ(ZoneAt("", kJuly), Zone(0, 0, u"Coordinated Universal Time", u"GMT"));
+    EXPECT_EQ(ZoneAt("ABC3DEF,M3.5.0,M10.5.0", kJuly), Zone(7200, 1, u"ABC", u"DEF"));
+    EXPECT_EQ(ZoneAt("<+0330>-3:30", kJuly), Zone(-12600, 0, u"+0330", u"+0330"));
+    EXPECT_EQ(ZoneAt("Foo/Bar", kJuly), Zone(0, 0, u"Foo", u"Foo"));
+    const std::u16string longest(31, u'L');
+    EXPECT_EQ(ZoneAt((std::string(40, 'L') + "3").c_str(), kJuly),
+              Zone(10800, 0, longest, longest));
+    EXPECT_EQ(std::get<0>(ZoneAt("\xFF/%s", kJuly)), 0);
 }
 
 TEST(TimeZone, ADateOfTheOtherSeasonMovesByTheHour) {
-    const QXTimeRecord january = {2026, 1, 4, 15, 12, 0, 0, 0};
-    const QXTimeRecord july = {2026, 7, 3, 15, 12, 0, 0, 0};
-    const struct {
-        int64_t now;
-        QXTimeRecord record;
-        int64_t seconds;
-    } cases[] = {{kJanuary, january, kJanuary + 11 * 3600},
-                 {kJuly, january, kJanuary + 10 * 3600},
-                 {kJuly, july, kJuly + 10 * 3600},
-                 {kJanuary, july, kJuly + 11 * 3600}};
-    for (const auto& [now, record, expected] : cases) {
+    const auto secondsOf = [](uint16_t month, uint16_t dayOfWeek, int64_t now) {
         Enter("Europe/Berlin", now);
+        const QXTimeRecord record = {2026, month, dayOfWeek, 15, 12, 0, 0, 0};
         int64_t seconds = 0;
         EXPECT_EQ(QX_S_OK, QXTimeToPosix(&record, &seconds));
-        EXPECT_EQ(expected, seconds);
-    }
+        return seconds;
+    };
+    EXPECT_EQ(kJanuary + 11 * 3600, secondsOf(1, 4, kJanuary));
+    EXPECT_EQ(kJanuary + 10 * 3600, secondsOf(1, 4, kJuly));
+    EXPECT_EQ(kJuly + 10 * 3600, secondsOf(7, 3, kJuly));
+    EXPECT_EQ(kJuly + 11 * 3600, secondsOf(7, 3, kJanuary));
 }
 
 TEST(TimeZone, AClockOfAnotherZoneOrBefore1970IsRead) {
