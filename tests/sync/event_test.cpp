@@ -11,15 +11,13 @@
 
 namespace {
 
+using Operation = QXResult (*)(QXHandle);
+
 // One kind of object, by its functions.
 struct Kind {
     const char* name;
     QXResult (*create)(QXHandle*);
-    QXResult (*destroy)(QXHandle);
-    QXResult (*signal)(QXHandle);
-    QXResult (*reset)(QXHandle);
-    QXResult (*wait)(QXHandle);
-    QXResult (*poll)(QXHandle);
+    Operation destroy, signal, reset, wait, poll;
     QXResult busy;  // the answer of a poll without a signal
     bool staysSignalled;
 };
@@ -46,6 +44,8 @@ class Object {
   public:
     explicit Object(const Kind& kind) : m_kind(kind) { EXPECT_EQ(QX_S_OK, kind.create(&m_handle)); }
     ~Object() { EXPECT_EQ(QX_S_OK, m_kind.destroy(m_handle)); }
+
+    operator QXHandle() const { return m_handle; }
 
     QXResult Signal() const { return m_kind.signal(m_handle); }
     QXResult Reset() const { return m_kind.reset(m_handle); }
@@ -127,17 +127,17 @@ TEST(WaitingObjects, ASignalThatIsResetAtOnceReleasesAllWhoWaited) {
 }
 
 TEST(WaitingObjects, TimedWaitsRunOutAndLeaveTheSignalToOthers) {
-    QXHandle event = nullptr;
-    ASSERT_EQ(QX_S_OK, QXEventCreate("e", 0, &event));
-    BlockedCall endless([&] { return QXEventWait(event); });
-    for (const uint32_t ms : {0u, 1u, 20u}) {
-        EXPECT_EQ(QX_E_TIMEOUT, QXEventTimedWait(event, ms));
-        EXPECT_EQ(QX_E_TIMEOUT, QXGateTimedWait(event, ms));
+    for (const Kind* kind : {&kAutoReset, &kGate}) {
+        const Object object(*kind);
+        const Threads endless = BlockThreads(object, 1);
+        const auto wait = kind == &kGate ? QXGateTimedWait : QXEventTimedWait;
+        for (const uint32_t ms : {0, 1, 20}) {
+            EXPECT_EQ(QX_E_TIMEOUT, wait(object, ms));
+        }
+        EXPECT_FALSE(endless[0]->HasReturned());
+        object.Signal();
+        ExpectReleased(endless);
     }
-    EXPECT_FALSE(endless.HasReturned());
-    QXEventSignal(event);
-    EXPECT_EQ(QX_S_OK, endless.Result());
-    EXPECT_EQ(QX_S_OK, QXEventDestroy(event));
 }
 
 TEST(Semaphore, CountsFromItsInitialCountToItsMaximum) {

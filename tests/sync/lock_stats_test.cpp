@@ -90,6 +90,8 @@ TEST_F(LockStats, WaitsAndContentionAreMeasured) {
     }
     EXPECT_LE(StatsOf(mutex).maxAcquireTime, StatsOf(mutex).totalAcquireTime);
     EXPECT_LT(0, StatsOf(mutex).totalAcquireTime);
+    QXResetLockStats();
+    EXPECT_EQ(0, StatsOf(mutex).contentionCount);
 }
 
 // What is between the three lines of the head and the tail of the first dump.
@@ -133,7 +135,11 @@ TEST_F(LockReport, LiveMutexesComeFirstAndEachKindByItsAddress) {
     std::map<QXHandle, const char*> retired;
     for (const char* name : {"", "a,b(c)", "plain name", "\xC3\xA4", "last"}) {
         const QXHandle mutex = NewMutex(name);
-        Hold(mutex);
+        for (int hold = 0; hold < 2; ++hold) {
+            QXMutexAcquire(mutex);
+            Work(20);
+            QXMutexRelease(mutex);
+        }
         (live.size() > retired.size() ? retired : live)[mutex] = name;
     }
     for (const auto& [mutex, name] : retired) {

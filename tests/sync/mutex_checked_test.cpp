@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <qxcore/mutex.h>
 
+#include <map>
 #include <thread>
 
 namespace {
@@ -31,20 +32,15 @@ QXResult TryAndRelease(QXHandle mutex) {
     return QX_SUCCEEDED(result) ? QXMutexRelease(mutex) : result;
 }
 
-// A and T acquire and try to acquire, R releases; in another thread t tries and r releases.
+// Small letters are steps of another thread.
 QXResult Do(char step, QXHandle mutex) {
-    switch (step) {
-        case 'A':
-            return QXMutexAcquire(mutex);
-        case 'T':
-            return QXMutexTryAcquire(mutex);
-        case 'R':
-            return QXMutexRelease(mutex);
-        case 't':
-            return Elsewhere(TryAndRelease, mutex);
-        default:
-            return Elsewhere(QXMutexRelease, mutex);
-    }
+    static const std::map<char, QXResult (*)(QXHandle)> kSteps = {
+        {'A', QXMutexAcquire},
+        {'T', QXMutexTryAcquire},
+        {'R', QXMutexRelease},
+        {'t', [](QXHandle handle) { return Elsewhere(TryAndRelease, handle); }},
+        {'r', [](QXHandle handle) { return Elsewhere(QXMutexRelease, handle); }}};
+    return kSteps.at(step)(mutex);
 }
 
 // With `!` behind it a step fails.

@@ -2,6 +2,7 @@
 #include <qxcore/rwlock.h>
 #include <qxcore/semaphore.h>
 
+#include <map>
 #include <memory>
 #include <string_view>
 #include <vector>
@@ -20,22 +21,11 @@ class Lock {
     QXHandle m_handle = nullptr;
 };
 
-// R and W acquire, T and V try to acquire, r and w release a read and a write hold.
 QXResult Do(char step, QXHandle lock) {
-    switch (step) {
-        case 'R':
-            return QXRWLockAcquireRead(lock);
-        case 'W':
-            return QXRWLockAcquireWrite(lock);
-        case 'T':
-            return QXRWLockTryAcquireRead(lock);
-        case 'V':
-            return QXRWLockTryAcquireWrite(lock);
-        case 'r':
-            return QXRWLockReleaseRead(lock);
-        default:
-            return QXRWLockReleaseWrite(lock);
-    }
+    static const std::map<char, QXResult (*)(QXHandle)> kSteps = {
+        {'R', QXRWLockAcquireRead},     {'W', QXRWLockAcquireWrite}, {'T', QXRWLockTryAcquireRead},
+        {'V', QXRWLockTryAcquireWrite}, {'r', QXRWLockReleaseRead},  {'w', QXRWLockReleaseWrite}};
+    return kSteps.at(step)(lock);
 }
 
 // Up to the first step that fails, whose result this is.

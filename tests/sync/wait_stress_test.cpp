@@ -242,9 +242,7 @@ TEST(WaitStress, AReaderWriterLockHoldsReadersOrOneWriter) {
 TEST(WaitStress, WhoeverIsReleasedMayDestroyTheObjectAtOnce) {
     struct Kind {
         QXResult (*create)(QXHandle*);
-        QXResult (*signal)(QXHandle);
-        QXResult (*wait)(QXHandle);
-        QXResult (*destroy)(QXHandle);
+        QXResult (*signal)(QXHandle), (*wait)(QXHandle), (*destroy)(QXHandle);
     };
     const Kind kKinds[] = {{[](QXHandle* out) { return QXEventCreate("e", 0, out); }, QXEventSignal,
                             QXEventWait, QXEventDestroy},
