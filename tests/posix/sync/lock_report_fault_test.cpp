@@ -3,6 +3,8 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 
+#include <functional>
+
 #include "support/allocation_fault.h"
 #include "sync/lock_report_support.h"
 
@@ -12,18 +14,15 @@ constexpr char kLongName[] = "a name that is too long to be kept without an allo
 
 using LockReportFault = LockReport;
 
-class FileSizeLimit {
-  public:
-    explicit FileSizeLimit(rlim_t bytes) {
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit limit{bytes, m_before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit() { setrlimit(RLIMIT_FSIZE, &m_before); }
-
-  private:
-    rlimit m_before;
-};
+QXResult WithFilesUpTo(rlim_t bytes, const std::function<QXResult()>& body) {
+    rlimit before;
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit limit{bytes, before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &limit);
+    const QXResult result = body();
+    setrlimit(RLIMIT_FSIZE, &before);
+    return result;
+}
 
 // The signal of the limit, whose default is to end the process, does not get through.
 TEST_F(LockReportFault, AFullDiskLeavesWholeLinesAndTheProcessAlive) {
@@ -32,10 +31,7 @@ TEST_F(LockReportFault, AFullDiskLeavesWholeLinesAndTheProcessAlive) {
     }
     for (rlim_t limit = 0; limit < 1000; limit += 97) {
         std::filesystem::remove(Path());
-        {
-            const FileSizeLimit full(limit);
-            EXPECT_EQ(QX_E_FAIL, Dump());
-        }
+        EXPECT_EQ(QX_E_FAIL, WithFilesUpTo(limit, [&] { return Dump(); }));
         const std::string text = Text();
         EXPECT_LE(text.size(), limit);
         EXPECT_TRUE(text.empty() || text.back() == '\n') << text;
