@@ -3,7 +3,6 @@
 #include <unicode/uloc.h>
 
 #include <map>
-#include <set>
 #include <string>
 
 #include "platform/locale.h"
@@ -17,21 +16,15 @@ TEST(LocaleName, IsAFunctionOfTheWholeNumber) {
     EXPECT_STREQ("en_US", QXLocaleNameFromLCID(0x0409));
     EXPECT_STREQ("de__PHONEBOOK", QXLocaleNameFromLCID(0x10407));
     EXPECT_STREQ("en_US", QXLocaleNameFromLCID(0x80000409));
-    std::set<std::string> names;
-    size_t rows = 1;  // the one whose name is that of all others
     // Holds each name at its number.
     constexpr uint64_t kHashOfAllRows = 0x6B2BD5331FA53A07;
     uint64_t hash = 0xCBF29CE484222325;
     for (uint32_t number = 0; number <= 0x1FFFF; ++number) {
         const std::string name = QXLocaleNameFromLCID(number);
-        rows += name != "en_US" ? 1 : 0;
-        names.insert(name);
         for (const char unit : name != "en_US" ? std::to_string(number) + name : "") {
             hash = (hash ^ static_cast<unsigned char>(unit)) * 0x100000001B3;
         }
     }
-    EXPECT_EQ(225u, rows);
-    EXPECT_EQ(225u, names.size());
     EXPECT_EQ(kHashOfAllRows, hash) << std::hex << hash;
 }
 
