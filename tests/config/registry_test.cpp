@@ -47,30 +47,24 @@ TEST_F(Registry, TellsEachFailureByItsCode) {
 }
 
 TEST_F(Registry, ReadsEachTypeByNameAndInAnEnumeration) {
-    const struct {
-        uint32_t written;
-        uint32_t read;
-    } rows[] = {{0, 0}, {1, 1}, {3, 3}, {4, 0}, {5, 5}};
-    char data[8];
-    for (const auto& row : rows) {
-        const char16_t name[] = {static_cast<char16_t>(u'a' + row.written), 0};
-        ASSERT_EQ(QXRegistrySetValue(QX_HKEY_USER, u"k", name, row.written, u"ab\0", 8), 0);
-        uint32_t type = 99;
-        uint32_t length = sizeof data;
-        EXPECT_EQ(QXRegistryGetValue(QX_HKEY_USER, u"k", name, &type, data, &length), 0);
-        EXPECT_EQ(type, row.read);
+    constexpr std::pair<uint32_t, uint32_t> kTypes[] = {{0, 0}, {1, 1}, {3, 3}, {4, 0}, {5, 5}};
+    uint32_t type, length, units;
+    for (const auto& [written, read] : kTypes) {
+        const char16_t name[] = {static_cast<char16_t>(u'a' + written), 0};
+        char data[8];
+        ASSERT_EQ(QXRegistrySetValue(QX_HKEY_USER, u"k", name, written, u"ab\0", 8), 0);
+        EXPECT_EQ(QXRegistryGetValue(QX_HKEY_USER, u"k", name, &type, data, &(length = 8)), 0);
+        EXPECT_EQ(type, read);
         EXPECT_EQ(length, 8u);
     }
     QXHandle values;
     ASSERT_EQ(QXRegistryOpenValueEnum(QX_HKEY_USER, u"k", &values), 0);
-    for (const auto& row : rows) {
+    for (const auto& [written, read] : kTypes) {
         char16_t name[2];
-        uint32_t units = 2;
-        uint32_t type = 99;
-        uint32_t length = 0;
-        EXPECT_EQ(QXRegistryEnumNextValue(values, name, &units, &type, nullptr, &length), 0);
-        EXPECT_EQ(name[0], u'a' + row.written) << "in the order of setting";
-        EXPECT_EQ(type, row.read);
+        EXPECT_EQ(
+            QXRegistryEnumNextValue(values, name, &(units = 2), &type, nullptr, &(length = 0)), 0);
+        EXPECT_EQ(name[0], u'a' + written) << "in the order of setting";
+        EXPECT_EQ(type, read);
         EXPECT_EQ(length, 8u);
     }
     QXRegistryCloseEnum(values);
