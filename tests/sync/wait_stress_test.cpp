@@ -240,6 +240,7 @@ TEST(WaitStress, AReaderWriterLockHoldsReadersOrOneWriter) {
 // The object ends the moment that its waiter is released, with the signalling thread still in its
 // call.
 TEST(WaitStress, WhoeverIsReleasedMayDestroyTheObjectAtOnce) {
+    static bool s_ready;  // of the condition
     struct Kind {
         QXResult (*create)(QXHandle*);
         QXResult (*signal)(QXHandle), (*wait)(QXHandle), (*destroy)(QXHandle);
@@ -249,8 +250,26 @@ TEST(WaitStress, WhoeverIsReleasedMayDestroyTheObjectAtOnce) {
                            {[](QXHandle* out) { return QXGateCreate("g", 0, out); }, QXGateOpen,
                             QXGateWait, QXGateDestroy},
                            {[](QXHandle* out) { return QXSemaphoreCreate(0, "s", 0, out); },
-                            QXSemaphorePost, QXSemaphoreWait, QXSemaphoreDestroy}};
-    InThreads(3, [&](int index, Chance& chance) {
+                            QXSemaphorePost, QXSemaphoreWait, QXSemaphoreDestroy},
+                           {[](QXHandle* out) {
+                                s_ready = false;
+                                return QXConditionCreate("c", 0, out);
+                            },
+                            [](QXHandle condition) {
+                                QXConditionAcquire(condition);
+                                s_ready = true;
+                                QXConditionSignal(condition);
+                                return QXConditionRelease(condition);
+                            },
+                            [](QXHandle condition) {
+                                QXConditionAcquire(condition);
+                                while (!s_ready) {
+                                    QXConditionWait(condition);
+                                }
+                                return QXConditionRelease(condition);
+                            },
+                            QXConditionDestroy}};
+    InThreads(4, [&](int index, Chance& chance) {
         const Kind& kind = kKinds[index];
         for (int round = 0; round < 1000; ++round) {
             QXHandle object = nullptr;
@@ -264,29 +283,6 @@ TEST(WaitStress, WhoeverIsReleasedMayDestroyTheObjectAtOnce) {
             waiter.join();
         }
     });
-}
-
-TEST(WaitStress, WhoeverIsReleasedMayDestroyTheConditionAtOnce) {
-    Chance chance(0);
-    for (int round = 0; round < 1000; ++round) {
-        QXHandle condition = nullptr;
-        EXPECT_EQ(QX_S_OK, QXConditionCreate("c", 0, &condition));
-        bool ready = false;
-        std::thread waiter([&] {
-            QXConditionAcquire(condition);
-            while (!ready) {
-                QXConditionWait(condition);
-            }
-            QXConditionRelease(condition);
-            QXConditionDestroy(condition);
-        });
-        chance.Dawdle();
-        QXConditionAcquire(condition);
-        ready = true;
-        QXConditionSignal(condition);
-        QXConditionRelease(condition);
-        waiter.join();
-    }
 }
 
 }  // namespace
