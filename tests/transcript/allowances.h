@@ -24,7 +24,7 @@ inline std::string NarrowEncodingIsTheSystems(std::string text) {
 }
 
 // Units from 0x80 up have the case that the system's code page gives them. These have none in any.
-inline std::string NarrowCaseIsTheSystems(std::string text) {
+inline std::string CaseIsTheRuntimes(std::string text) {
     for (char& unit : text) {
         if ((unit & 0x80) != 0) {
             unit = static_cast<char>(0xA1 | (unit & 0x1E));
@@ -48,7 +48,7 @@ inline bool WideClassIsTheRuntimes(uint32_t unit) {
     });
 }
 
-inline std::u16string WideCaseIsTheRuntimes(std::u16string text) {
+inline std::u16string CaseIsTheRuntimes(std::u16string text) {
     for (char16_t& unit : text) {
         if (WideClassIsTheRuntimes(unit)) {
             unit = static_cast<char16_t>(0x410 + unit % 64);

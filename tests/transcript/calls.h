@@ -283,7 +283,8 @@ inline bool IsOpen(const void* handle) {
 // Some places for handles. What is in a place is closed before a new one comes there, and at last.
 class Handles {
   public:
-    Handles(size_t places, std::function<void(void*)> close) : m_close(close), m_handles(places) {}
+    Handles(size_t places, std::function<void(void*)> close)
+        : m_close(std::move(close)), m_handles(places) {}
     ~Handles() { CloseAll(); }
     Handles(const Handles&) = delete;
     Handles& operator=(const Handles&) = delete;
@@ -329,19 +330,19 @@ struct NewHandle {
     void Show(Line& line, const char* what) const { line.Handle(what, *place); }
 };
 
-inline auto OpenOne(std::shared_ptr<Handles> handles) {
+inline auto OpenOne(const std::shared_ptr<Handles>& handles) {
     return [=](Random& random) { return OpenHandle{handles->AnyOpen(random)}; };
 }
 
 // One that the call closes.
-inline auto LastUse(std::shared_ptr<Handles> handles) {
+inline auto LastUse(const std::shared_ptr<Handles>& handles) {
     return [=](Random& random) {
         return OpenHandle{std::exchange(handles->AnyOpen(random), nullptr)};
     };
 }
 
 // A place for one that the call opens.
-inline auto NewOne(std::shared_ptr<Handles> handles) {
+inline auto NewOne(const std::shared_ptr<Handles>& handles) {
     return [=](Random& random) {
         void*& place = handles->Any(random);
         handles->Close(place);

@@ -10,7 +10,7 @@
 namespace {
 
 constexpr GUID kMissingClass = {0x54414C59, 3, 0x4E45, {0x80, 1, 2, 3, 4, 5, 6, 7}};
-constexpr GUID kClasses[] = {kTallyClass, kTallyClass, kTallyClass, kMissingClass};
+const GUID kClasses[] = {kTallyClass, kTallyClass, kTallyClass, kMissingClass};
 constexpr const wchar* kPrograms[] = {u"Transcript.Tally", u"Transcript.Missing"};
 constexpr const wchar* kMissingLibraries[] = {u"no-such-library", u"no-such-directory/library.dll",
                                               u"no-such-directory\\library.dll"};
@@ -101,15 +101,6 @@ NumberedToken AnyToken(Random& random) {
     return {random.Below(kTokens)};
 }
 
-struct OutPointer {
-    void* pointer = QX_INVALID_HANDLE;
-    void** Get() { return &pointer; }
-    void Show(Line& line, const char* what) const { line.Handle(what, pointer); }
-};
-OutPointer Symbol(Random&) {
-    return {};
-}
-
 // What is wanted of a class as a rule.
 GUID TallyInterface(Random& random) {
     return random.OneIn(5) ? QX_IID_CLASS_FACTORY : kTallyInterface;
@@ -167,7 +158,9 @@ Calls ClassCalls() {
     const auto classes = std::make_shared<Classes>();
     const std::shared_ptr<Handles> objects(classes, &classes->objects);
     const std::shared_ptr<Handles> libraries(classes, &classes->libraries);
+    const auto symbols = std::make_shared<Handles>(1, [](void*) {});
     const auto library = [=](Random& random) { return NewHandle{&libraries->Any(random)}; };
+    const auto symbol = [=](Random&) { return NewHandle{&symbols->At(0)}; };
     // While objects live, the library that holds their code must stay.
     const auto flush = [=] { return objects->AreAllClosed() ? QXComFlushFactoryCache() : QX_S_OK; };
     const auto close = [](QXHandle* place) { return CloseAt(place, QXLibClose); };
@@ -193,6 +186,6 @@ Calls ClassCalls() {
         {NAMED(QXModuleLibOpen, AnyToken, AnyLibrary, NewOne(libraries))},
         {"QXLibClose", Row(close, library)},
         {"QXModuleLibClose", Row(closeForModule, AnyToken, library)},
-        {NAMED(QXLibGetSymbol, OpenOne(libraries), AnyOf<kSymbols>, Symbol), 2},
+        {NAMED(QXLibGetSymbol, OpenOne(libraries), AnyOf<kSymbols>, symbol), 2},
     };
 }

@@ -54,7 +54,7 @@ struct Blocks {
 };
 
 template <auto kRelease>
-auto AnyBlock(std::shared_ptr<Blocks<kRelease>> blocks) {
+auto AnyBlock(const std::shared_ptr<Blocks<kRelease>>& blocks) {
     return [=](Random& random) { return BlockInUse{&blocks->all[random.Below(4)]}; };
 }
 

@@ -159,7 +159,7 @@ void ListValues(QXHandle enumeration, Line& line) {
     for (;;) {
         std::u16string name(allowance::kLongestValueName + 1, u'\0');
         auto nameLength = static_cast<uint32_t>(name.size());
-        std::string data(2 * kDataRoom, '\0');
+        std::string data(size_t{2} * kDataRoom, '\0');
         auto length = static_cast<uint32_t>(data.size());
         uint32_t type = 77;
         const QXResult result = QXRegistryEnumNextValue(enumeration, name.data(), &nameLength,

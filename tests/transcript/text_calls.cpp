@@ -14,27 +14,20 @@ std::basic_string<Unit> Other(Random& random, const Draft& draft) {
 }
 
 // The runtime's mappings and comparisons without case stay within what all runtimes agree on.
-std::string AgreedCase(const std::string& text) {
-    return allowance::NarrowCaseIsTheSystems(text);
-}
-std::u16string AgreedCase(const std::u16string& text) {
-    return allowance::WideCaseIsTheRuntimes(text);
-}
-
 template <typename Unit>
 std::basic_string<Unit> Agreed(Random& random) {
-    return AgreedCase(Text<Unit>(random));
+    return allowance::CaseIsTheRuntimes(Text<Unit>(random));
 }
 
 template <typename Unit>
 std::basic_string<Unit> OtherAgreed(Random& random, const Draft& draft) {
-    return AgreedCase(Other<Unit>(random, draft));
+    return allowance::CaseIsTheRuntimes(Other<Unit>(random, draft));
 }
 
 template <typename Unit>
 Unit AgreedUnit(Random& random) {
     const std::basic_string<Unit> text(1, static_cast<Unit>(AnyCodePoint(random)));
-    return AgreedCase(text)[0];
+    return allowance::CaseIsTheRuntimes(text)[0];
 }
 
 template <typename Unit>
@@ -104,7 +97,7 @@ size_t CountedUnits(Random& random, const Draft& draft) {
 template <typename Unit, auto kDuplicate, auto kFree, typename... Limit>
 std::basic_string<Unit> Duplicated(const Unit* text, Limit... limit) {
     Unit* const copy = kDuplicate(text, limit...);
-    const std::basic_string<Unit> shown = copy != nullptr ? copy : std::basic_string<Unit>();
+    std::basic_string<Unit> shown = copy != nullptr ? copy : std::basic_string<Unit>();
     kFree(copy);
     return shown;
 }

@@ -42,7 +42,7 @@ const auto& AnyOf(const Items& items, Weight weight, Random& random) {
 }
 
 void PrintSequence(uint32_t seed, const Options& options) {
-    Line("seed " + std::to_string(seed));
+    { const Line head("seed " + std::to_string(seed)); }
     std::vector<Calls> families;
     for (const auto calls : kFamilies) {
         families.push_back(calls());

@@ -42,7 +42,7 @@ struct Locks {
     Handles all;
 };
 
-auto Take(std::shared_ptr<Locks> locks, Operation take, Operation giveBack) {
+auto Take(const std::shared_ptr<Locks>& locks, Operation take, Operation giveBack) {
     const auto takeOne = [=](QXHandle lock) {
         const QXResult result = take(lock);
         auto& held = locks->holds[lock];
