@@ -1,4 +1,5 @@
-// What a failing call leaves beside its result: errno as it was.
+// What a failing call leaves beside its result: errno as it was, and in programs that hold the
+// library's objects its number in the last error.
 #ifndef TESTS_SUPPORT_FAILURE_H
 #define TESTS_SUPPORT_FAILURE_H
 
@@ -20,5 +21,20 @@ class ErrnoStays {
   private:
     static constexpr int kOdd = 4711;
 };
+
+#ifdef QX_BUILDING_LIBRARY
+#include "platform/errors.h"
+
+constexpr u32 kNoNumber = 815;
+
+// The number that a call leaves; kNoNumber if it leaves none.
+template <typename Call>
+u32 LastErrorOf(Call call) {
+    platform::SetLastError(kNoNumber);
+    const ErrnoStays errnoStays;
+    call();
+    return platform::GetLastError();
+}
+#endif
 
 #endif
