@@ -14,10 +14,16 @@ namespace platform {
 namespace {
 
 constexpr i64 kSecond = 1'000'000'000;
-constexpr i64 kLongestStep = 3 * kSecond;  // of the times on any file system
+constexpr i64 kMillisecond = 1'000'000;
 
 i64 Nanoseconds(const timespec& time) noexcept {
     return kSecond * time.tv_sec + time.tv_nsec;
+}
+
+// A time that is no multiple of ten milliseconds was told by the kernel's tick, which is no longer
+// than those; others are kept in up to two seconds. With some room for clocks that differ.
+i64 LongestStep(i64 time) noexcept {
+    return time % (10 * kMillisecond) != 0 ? 100 * kMillisecond : 3 * kSecond;
 }
 
 [[noreturn]] void ThrowErrno(int error) {
@@ -102,7 +108,7 @@ void DirectoryWatch::Restart() noexcept {
     timespec now;
     ::clock_gettime(CLOCK_REALTIME_COARSE, &now);
     m_changed = Changed();
-    if (m_changed > Nanoseconds(now) - kLongestStep) {
+    if (m_changed > Nanoseconds(now) - LongestStep(m_changed)) {
         m_changed = kUnknown;
     }
 }
