@@ -46,6 +46,15 @@ bool Is(const CacheEntry& entry, u64 hash, CacheKind kind, i64 owner,
            entry.Folded() == folded;
 }
 
+// In what is left of a bucket.
+CacheEntry* FindFrom(CacheEntry* entry, u64 hash, CacheKind kind, i64 owner,
+                     std::u16string_view folded) noexcept {
+    while (entry != nullptr && !Is(*entry, hash, kind, owner, folded)) {
+        entry = entry->m_next.load(std::memory_order_acquire);
+    }
+    return entry;
+}
+
 // One thread alone needs no locked instruction. A handler that interrupts this leaves the count as
 // it found it.
 u32 AddTo(std::atomic<u32>& count, u32 more, std::memory_order order) noexcept {
@@ -67,12 +76,9 @@ const CacheEntry* RegistryCache::Find(CacheKind kind, i64 owner,
         return nullptr;
     }
     const u64 hash = HashOf(kind, owner, folded);
-    const CacheEntry* entry =
+    CacheEntry* const first =
         table->m_buckets[hash & table->m_mask].load(std::memory_order_acquire);
-    while (entry != nullptr && !Is(*entry, hash, kind, owner, folded)) {
-        entry = entry->m_next.load(std::memory_order_acquire);
-    }
-    return entry;
+    return FindFrom(first, hash, kind, owner, folded);
 }
 
 bool RegistryCache::BeginUse() noexcept {
@@ -218,16 +224,19 @@ void RegistryCache::Reopen() noexcept {
     m_users.fetch_and(~kClosed, std::memory_order_release);
 }
 
+// What was read by its name and in a list is there twice.
 bool RegistryCache::Overwrite(const NewCacheEntry& with) noexcept {
-    auto* const entry = const_cast<CacheEntry*>(Find(with.m_kind, with.m_owner, with.m_folded));
+    auto* entry = const_cast<CacheEntry*>(Find(with.m_kind, with.m_owner, with.m_folded));
     if (entry == nullptr || entry->m_number != with.m_number ||
         entry->m_size != with.m_data.size()) {
         return false;
     }
     const bool nobodyLooks = Close(0);
-    if (nobodyLooks) {
+    while (nobodyLooks && entry != nullptr) {
         entry->m_type = with.m_type;
         std::copy(with.m_data.begin(), with.m_data.end(), entry->DataToChange());
+        entry = FindFrom(entry->m_next.load(std::memory_order_relaxed), entry->m_hash, with.m_kind,
+                         with.m_owner, with.m_folded);
     }
     Reopen();
     return nobodyLooks;

@@ -229,6 +229,35 @@ TEST_F(RegistryWord, EachSideOfAForkHasItsOwnMemory) {
     EXPECT_EQ(Number(), 2u);
 }
 
+// A value that was read by its name and in a list is remembered twice.
+TEST_F(RegistryWord, AWriteChangesAllThatIsRememberedOfAValue) {
+    ASSERT_EQ(SetText(u"k", u"v", u"old"), 0);
+    ASSERT_EQ(ForkedChild([] { return SetText(u"other", u"v", u"text") == 0 ? 0 : 1; }).Wait(), 0);
+    const auto listed = [] {
+        QXHandle values;
+        char16_t name[10];
+        char16_t text[10] = {};
+        uint32_t length = 10;
+        uint32_t type = 0;
+        uint32_t size = sizeof text;
+        EXPECT_EQ(QXRegistryOpenValueEnum(QX_HKEY_USER, u"k", &values), 0);
+        EXPECT_EQ(QXRegistryEnumNextValue(values, name, &length, &type, text, &size), 0);
+        QXRegistryCloseEnum(values);
+        return std::u16string(text);
+    };
+    EXPECT_EQ(Text(u"k", u"v"), u"old");
+    EXPECT_EQ(listed(), u"old");
+    for (char16_t unit = u'a'; unit < 0x1000; ++unit) {  // the table grows
+        Text(u"other", std::u16string(2, unit).c_str());
+        if (unit % 100 == 0) {
+            const std::u16string now(3, unit);
+            ASSERT_EQ(SetText(u"k", u"v", now), 0);
+            ASSERT_EQ(Text(u"k", u"v"), now);
+            ASSERT_EQ(listed(), now);
+        }
+    }
+}
+
 // One process's own keys, changed and read at random beside others who do the same.
 class RandomSequence {
   public:
